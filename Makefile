@@ -1,0 +1,45 @@
+# Front door for the common tasks; CMake does the real work.
+BUILD      ?= build
+ASAN_BUILD ?= build-sanitize
+PREFIX     ?= /usr/local
+JOBS       ?= $(shell nproc)
+FUZZ_SECONDS ?= 60
+
+.PHONY: all bootstrap configure build test demo sanitize install bench fuzz clean
+
+all: build
+
+bootstrap:
+	@./scripts/bootstrap.sh
+
+configure: bootstrap
+	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+
+build: configure
+	@cmake --build $(BUILD) -j $(JOBS)
+
+test: build
+	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+demo: build
+	@./$(BUILD)/demo
+
+sanitize: bootstrap
+	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DKOXML_SANITIZE=ON -DKOXML_BUILD_BENCH=OFF >/dev/null
+	@cmake --build $(ASAN_BUILD) -j $(JOBS)
+	@cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
+	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	  ctest --output-on-failure -j $(JOBS)
+
+install: build
+	@cmake --install $(BUILD) --prefix $(PREFIX)
+
+bench: configure
+	@cmake --build $(BUILD) -j $(JOBS)
+	@for b in $(BUILD)/bench_*; do [ -x "$$b" ] && "$$b" --benchmark_min_time=0.2; done
+
+fuzz:
+	@./scripts/fuzz.sh $(FUZZ_SECONDS)
+
+clean:
+	@rm -rf $(BUILD) $(ASAN_BUILD) build-fuzz

@@ -1,0 +1,10 @@
+#ifndef KOXMLLIB10_H
+#define KOXMLLIB10_H
+
+// Umbrella header: everything public in the library.
+#include "KoXmlLib10/Export.h"
+#include "KoXmlLib10/Version.h"
+#include "KoXmlLib10/Exceptions.h"
+#include "KoXmlLib10/ItemType.h"
+
+#endif

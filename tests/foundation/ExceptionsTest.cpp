@@ -1,0 +1,88 @@
+#include <gtest/gtest.h>
+
+#include <KoXmlLib10.h>
+
+using namespace KoXmlLib10;
+
+TEST(Exceptions, FullMessageJoinsChainOutermostFirst) {
+  CKoException plain("only");
+  EXPECT_EQ(plain.GetFullMessage(), plain.GetMessage());
+
+  CKoException chain("a", CKoValidationException("b", CKoInvalidValueException("c")));
+  EXPECT_EQ(chain.GetFullMessage(), "a\nb\nc");
+
+  CKoException emptyInner("outer", CKoException(""));
+  EXPECT_EQ(emptyInner.GetFullMessage(), "outer\n");
+}
+
+TEST(Exceptions, InnerKeepsDynamicClassAndIsAPrivateClone) {
+  auto* inner = new CKoInvalidValueException("x");
+  CKoValidationException outer("outer", *inner);
+  delete inner;
+  ASSERT_NE(outer.GetInnerException(), nullptr);
+  EXPECT_NE(dynamic_cast<const CKoInvalidValueException*>(outer.GetInnerException()), nullptr);
+  EXPECT_EQ(outer.GetInnerException()->GetMessage(), "x");
+
+  std::unique_ptr<CKoException> clone(outer.Clone());
+  EXPECT_NE(dynamic_cast<CKoValidationException*>(clone.get()), nullptr);
+  EXPECT_NE(clone->GetInnerException(), outer.GetInnerException());
+  EXPECT_EQ(clone->GetFullMessage(), "outer\nx");
+}
+
+TEST(Exceptions, ConversionAndSelfAssignment) {
+  CKoException base("m", CKoInvalidStateException("s"));
+  CKoOverFlowException converted(base);
+  EXPECT_EQ(converted.GetFullMessage(), "m\ns");
+
+  CKoException e("self", CKoException("inner"));
+  const CKoException& alias = e;
+  e = alias;
+  EXPECT_EQ(e.GetFullMessage(), "self\ninner");
+
+  CKoException target("t");
+  target = CKoException("u");
+  EXPECT_EQ(target.GetInnerException(), nullptr);
+  EXPECT_EQ(target.GetMessage(), "u");
+}
+
+TEST(Exceptions, CaughtThroughTheHierarchy) {
+  try {
+    throw CKoInvalidNamespaceException("ns");
+  } catch (const CKoValidationException& e) {
+    EXPECT_EQ(e.GetMessage(), "ns");
+    return;
+  }
+  FAIL();
+}
+
+TEST(FormatString, Placeholders) {
+  EXPECT_EQ(FormatString("Index %d is out of range, use 0 - %d", 5, 3),
+            "Index 5 is out of range, use 0 - 3");
+  EXPECT_EQ(FormatString(""), "");
+  EXPECT_EQ(FormatString("100%%"), "100%");
+  EXPECT_EQ(FormatString("[%s]", "abc"), "[abc]");
+  EXPECT_EQ(FormatString("%c%c", 'o', 'k'), "ok");
+}
+
+TEST(FormatString, EstimateNeverTruncatesKnownConversions) {
+  const char* none = nullptr;
+  EXPECT_EQ(FormatString("%s", none), "(null)");
+  EXPECT_EQ(FormatString("%.2s|%5s", "abcdef", "ab"), "ab|   ab");
+  EXPECT_EQ(FormatString("%*d", 40, 7), std::string(39, ' ') + "7");
+  EXPECT_EQ(FormatString("%-*d|", 35, 7), "7" + std::string(34, ' ') + "|");
+  EXPECT_EQ(FormatString("%.40d", 1), std::string(39, '0') + "1");
+  EXPECT_EQ(FormatString("%f", 1e300).size(), std::string("1").size() + 300 + 7);
+  EXPECT_EQ(FormatString("%.3f", -2.5), "-2.500");
+  EXPECT_EQ(FormatString("%30.20f", 3.0), std::string(8, ' ') + "3.00000000000000000000");
+  EXPECT_EQ(FormatString("%g", 1e-300), "1e-300");
+  EXPECT_EQ(FormatString("%ls", L"wide"), "wide");
+  EXPECT_EQ(FormatString("%#x", 255), "0xff");
+}
+
+TEST(GeneratorVersion, StoredAndReadBack) {
+  SetGeneratorVersion(10, 1);
+  int major = 0, minor = 0;
+  GetGeneratorVersion(major, minor);
+  EXPECT_EQ(major, 10);
+  EXPECT_EQ(minor, 1);
+}
