@@ -6,5 +6,6 @@
 #include "KoXmlLib10/Version.h"
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/ItemType.h"
+#include "KoXmlLib10/StringUtils.h"
 
 #endif
