@@ -7,5 +7,6 @@
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/ItemType.h"
 #include "KoXmlLib10/StringUtils.h"
+#include "KoXmlLib10/FastInfosetContext.h"
 
 #endif

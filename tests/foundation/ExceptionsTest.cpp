@@ -4,6 +4,10 @@
 
 using namespace KoXmlLib10;
 
+// The format edge cases below are deliberate.
+#pragma GCC diagnostic ignored "-Wformat-zero-length"
+#pragma GCC diagnostic ignored "-Wformat-overflow"
+
 TEST(Exceptions, FullMessageJoinsChainOutermostFirst) {
   CKoException plain("only");
   EXPECT_EQ(plain.GetFullMessage(), plain.GetMessage());
