@@ -8,5 +8,6 @@
 #include "KoXmlLib10/ItemType.h"
 #include "KoXmlLib10/StringUtils.h"
 #include "KoXmlLib10/FastInfosetContext.h"
+#include "KoXmlLib10/SerializationContext.h"
 
 #endif
