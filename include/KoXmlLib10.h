@@ -7,6 +7,10 @@
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/ItemType.h"
 #include "KoXmlLib10/StringUtils.h"
+#include "KoXmlLib10/CriticalSection.h"
+#include "KoXmlLib10/StringBuffer.h"
+#include "KoXmlLib10/BinaryData.h"
+#include "KoXmlLib10/Unicode.h"
 #include "KoXmlLib10/FastInfosetContext.h"
 #include "KoXmlLib10/SerializationContext.h"
 
