@@ -115,9 +115,10 @@ CBinaryData::CBinaryData(const char* s)
     : m_holder(s ? new CDataHolder(BytesOf(s), std::strlen(s), false) : nullptr) {}
 
 CBinaryData& CBinaryData::operator=(const CBinaryData& other) {
-  if (other.m_holder) other.m_holder->AddRef();  // first, so self-assignment is safe
+  CDataHolder* shared = other.m_holder;  // taken first: `other` may be this value
+  if (shared) shared->AddRef();
   Clear();
-  m_holder = other.m_holder;
+  m_holder = shared;
   return *this;
 }
 
