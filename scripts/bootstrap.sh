@@ -3,7 +3,8 @@
 # Idempotent: does nothing when everything is present.
 set -eu
 packages=(cmake g++ make pkg-config libexpat1-dev zlib1g-dev libpcre2-dev
-          libgtest-dev libbenchmark-dev)
+          libgtest-dev libbenchmark-dev libxml2-utils
+          default-jdk-headless libfastinfoset-java)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
