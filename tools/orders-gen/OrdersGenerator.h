@@ -442,4 +442,45 @@ inline std::size_t GenerateEvents(std::size_t sizeBytes, IEventSink& sink, const
   return Generate(sizeBytes, options, [](std::string_view) {}, &sink);
 }
 
+// Keeps a document's events so a benchmark can replay them into a writer without timing the
+// generator. The views a replay hands to the sink point into the recording.
+class RecordedEvents final : public IEventSink {
+public:
+  void StartElement(std::string_view, std::string_view localName) override {
+    Add(Kind::Start, localName, {});
+  }
+  void Attribute(std::string_view localName, std::string_view value) override {
+    Add(Kind::Attribute, localName, value);
+  }
+  void Text(std::string_view text) override { Add(Kind::Text, {}, text); }
+  void EndElement(std::string_view, std::string_view localName) override {
+    Add(Kind::End, localName, {});
+  }
+
+  void ReplayTo(IEventSink& sink) const {
+    for (const Event& e : events_) {
+      switch (e.kind) {
+        case Kind::Start: sink.StartElement(kNamespace, e.name); break;
+        case Kind::Attribute: sink.Attribute(e.name, e.value); break;
+        case Kind::Text: sink.Text(e.value); break;
+        case Kind::End: sink.EndElement(kNamespace, e.name); break;
+      }
+    }
+  }
+  std::size_t Size() const { return events_.size(); }
+
+private:
+  enum class Kind { Start, Attribute, Text, End };
+  struct Event {
+    Kind kind;
+    std::string name;
+    std::string value;
+  };
+  void Add(Kind kind, std::string_view name, std::string_view value) {
+    events_.push_back({kind, std::string(name), std::string(value)});
+  }
+
+  std::vector<Event> events_;
+};
+
 }  // namespace OrdersGen
