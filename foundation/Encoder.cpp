@@ -34,11 +34,11 @@ bool Failed(size_t result) { return result == static_cast<size_t>(-1) || result 
 // Wide characters in the local code page; unconvertible ones become '?'.
 // cbuf is used when it has room for the result and its terminator.
 std::string WideToLocal(const wchar_t* w, size_t n, char* cbuf, size_t ccap) {
-  std::vector<char> own;
   if (IsAscii(w, n)) {
-    own.resize(n);
-    for (size_t i = 0; i < n; ++i) own[i] = static_cast<char>(w[i]);
-    return UpToNul(own.data(), n);
+    std::string text;
+    text.reserve(n);
+    for (size_t i = 0; i < n && w[i] != 0; ++i) text += static_cast<char>(w[i]);
+    return text;
   }
   char one[MB_LEN_MAX];
   std::mbstate_t state{};
@@ -48,6 +48,7 @@ std::string WideToLocal(const wchar_t* w, size_t n, char* cbuf, size_t ccap) {
     if (Failed(r)) state = std::mbstate_t{};
     total += Failed(r) ? 1 : r;
   }
+  std::vector<char> own;
   if (!cbuf || ccap < total + 1) {
     own.resize(total + 1);
     cbuf = own.data();
@@ -142,7 +143,7 @@ CBinaryData CEncoder::LocalCodePageToUtf8Binary(const char* s) {
 
 std::string CEncoder::Utf8ToLocalCodePage(unsigned char* data, int len, wchar_t* wbuf, unsigned long wcap,
                                           char* cbuf, unsigned long ccap) {
-  if (!data || len < 0) len = 0;
+  if (!data || len <= 0) return std::string();
   const char* text = reinterpret_cast<const char*>(data);
   if (ASCII_ONLY) return std::string(text, len);
   if (!DoesUTF8StrContainAnyCharsLargerThanOneByte(data, len)) return UpToNul(text, len);

@@ -171,14 +171,9 @@ unsigned long Convert(Reader in, Writer out) {
   return written;
 }
 
-// The public forms take counts; a null source is an empty one.
+// The public forms take counts; a null buffer is an empty one.
 template <class T>
-const T* EndOf(const T* begin, unsigned long count) {
-  return begin ? begin + count : begin;
-}
-
-template <class T>
-T* EndOrNull(T* begin, unsigned long count) {
+T* EndOf(T* begin, unsigned long count) {
   return begin ? begin + count : nullptr;
 }
 
@@ -241,22 +236,22 @@ unsigned long ConvertUTF8toUTF16(const unsigned char* srcBegin, const unsigned c
 }
 
 unsigned long UTF8ToUnicode(unsigned char* src, unsigned long srcLen, wchar_t* dst, unsigned long dstCap) {
-  return Convert(Utf8Reader{src, EndOf(src, srcLen)}, Utf32Writer{dst, EndOrNull(dst, dstCap)});
+  return Convert(Utf8Reader{src, EndOf(src, srcLen)}, Utf32Writer{dst, EndOf(dst, dstCap)});
 }
 
 unsigned long UnicodeToUTF8(const wchar_t* src, unsigned long srcLen, unsigned char* dst,
                             unsigned long dstCap) {
-  return Convert(Utf32Reader{src, EndOf(src, srcLen)}, Utf8Writer{dst, EndOrNull(dst, dstCap)});
+  return Convert(Utf32Reader{src, EndOf(src, srcLen)}, Utf8Writer{dst, EndOf(dst, dstCap)});
 }
 
 unsigned long UTF16ToUnicode(unsigned char* src, unsigned long srcUnits, wchar_t* dst,
                              unsigned long dstCap) {
-  return Convert(Utf16Reader{src, EndOf(src, srcUnits * 2)}, Utf32Writer{dst, EndOrNull(dst, dstCap)});
+  return Convert(Utf16Reader{src, EndOf(src, srcUnits * 2)}, Utf32Writer{dst, EndOf(dst, dstCap)});
 }
 
 unsigned long UnicodeToUTF16(const wchar_t* src, unsigned long srcLen, unsigned char* dst,
                              unsigned long dstUnits) {
-  return Convert(Utf32Reader{src, EndOf(src, srcLen)}, Utf16Writer{dst, EndOrNull(dst, dstUnits * 2)});
+  return Convert(Utf32Reader{src, EndOf(src, srcLen)}, Utf16Writer{dst, EndOf(dst, dstUnits * 2)});
 }
 
 bool DoesUTF8StrContainAnyCharsLargerThanOneByte(unsigned char* s, unsigned long len) {

@@ -318,7 +318,7 @@ std::string CBase64::Encode(unsigned char* data, int length) {
 int CBase64::Decode(const char* text, unsigned char* out) {
   m_bitCount = 0;
   m_bitBuffer = 0;
-  if (!text) return 0;
+  if (!text || !out) return 0;
   const Base64Table& table = DecodeTable();
   int position = 0;
   for (const char* p = text; *p; ++p) {

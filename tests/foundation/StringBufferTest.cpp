@@ -11,26 +11,34 @@ TEST(StringBuffer, BlocksJoinAndReuse) {
   CStringBuffer buffer(4);  // blocks of three characters
   for (char c = 'a'; c <= 'g'; ++c) buffer.Append(c);
   EXPECT_EQ(buffer.GetLength(), 7u);
-  EXPECT_STREQ(buffer.GetText(), "abcdefg");
-  EXPECT_STREQ(buffer.GetText(), "abcdefg");  // joined once, stable afterwards
+  char* joined = buffer.GetText();
+  EXPECT_STREQ(joined, "abcdefg");
+  EXPECT_EQ(buffer.GetText(), joined);  // now a single block: no second join
 
-  buffer.Append('h');  // opens a new block after the joined one
+  buffer.Append('h');  // the joined block is full, so a new one opens
   buffer.Append("ijklmno");
   EXPECT_EQ(buffer.GetLength(), 15u);
   EXPECT_STREQ(buffer.GetText(), "abcdefghijklmno");
 
-  buffer.Empty();  // one block left: kept and zeroed
+  buffer.Append(std::string("pq"));
+  buffer.Empty();  // two blocks: everything is freed
   EXPECT_EQ(buffer.GetLength(), 0u);
   EXPECT_STREQ(buffer.GetText(), "");
-  buffer.Append(std::string("xy"));
-  EXPECT_STREQ(buffer.GetText(), "xy");
+
+  buffer.Append("abc");
+  char* block = buffer.GetText();
+  buffer.Empty();  // a single block is zeroed and kept
+  EXPECT_STREQ(buffer.GetText(), "");
+  buffer.Append("xy");
+  EXPECT_EQ(buffer.GetText(), block);
+  EXPECT_STREQ(block, "xy");
 
   buffer.SetText("replaced");
   EXPECT_STREQ(buffer.GetText(), "replaced");
   buffer.Clear();
-  EXPECT_STREQ(buffer.GetText(), "");
   buffer.Append("");
   EXPECT_EQ(buffer.GetLength(), 0u);
+  EXPECT_STREQ(buffer.GetText(), "");
 }
 
 TEST(StringBuffer, LongAppendsSpanBlocks) {
@@ -43,11 +51,8 @@ TEST(StringBuffer, LongAppendsSpanBlocks) {
   }
   EXPECT_EQ(buffer.GetLength(), expected.size());
   EXPECT_EQ(std::string(buffer.GetText()), expected);
-  buffer.Empty();  // more than one block before the join? No: GetText joined them
-  buffer.Append('z');
-  EXPECT_STREQ(buffer.GetText(), "z");
 
-  CStringBuffer tiny(0);  // degenerate sizes still hold text
+  CStringBuffer tiny(0);  // a degenerate block size still holds text
   tiny.Append("abc");
   EXPECT_STREQ(tiny.GetText(), "abc");
 }

@@ -3,6 +3,7 @@
 #include <KoXmlLib10.h>
 
 #include <string>
+#include <thread>
 
 using KoXmlLib10::CBinaryData;
 using KoXmlLib10::CKoException;
@@ -131,4 +132,18 @@ TEST(BinaryData, HolderRefusesSharedWrites) {
   EXPECT_EQ(holder->GetLength(), 1u);
   holder->Release(false);
   exclusive->Release(false);
+}
+
+TEST(BinaryData, SharedCopiesOnSeveralThreads) {
+  const CBinaryData shared("payload");
+  auto work = [&shared] {
+    for (int i = 0; i < 20000; ++i) {
+      CBinaryData copy = shared;
+      if (i % 1000 == 0) copy.Append('!');
+    }
+  };
+  std::thread a(work), b(work);
+  a.join();
+  b.join();
+  EXPECT_EQ(Text(shared), "payload");
 }
