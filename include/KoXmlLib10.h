@@ -15,5 +15,6 @@
 #include "KoXmlLib10/SerializationContext.h"
 #include "KoXmlLib10/DateTimeSpan.h"
 #include "KoXmlLib10/DateTime.h"
+#include "KoXmlLib10/KoZip.h"
 
 #endif
