@@ -16,5 +16,7 @@
 #include "KoXmlLib10/DateTimeSpan.h"
 #include "KoXmlLib10/DateTime.h"
 #include "KoXmlLib10/KoZip.h"
+#include "KoXmlLib10/BigInteger.h"
+#include "KoXmlLib10/Decimal.h"
 
 #endif

@@ -1,0 +1,165 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <random>
+#include <string>
+
+#include <KoXmlLib10.h>
+
+#include "types/ThrownMessage.h"
+
+using namespace KoXmlLib10;
+
+namespace {
+
+std::string Str(const CBigInteger& v) { return v.ToString(); }
+
+// Digit text made of 9-digit blocks that favour the awkward limb values of
+// long division (0, 1, half the base, all nines) over plain random ones.
+std::string AwkwardDigits(std::mt19937_64& rng, int blocks) {
+  static const char* const kBlocks[] = {"000000000", "000000001", "500000000", "999999999"};
+  std::string text = "1";
+  for (int i = 0; i < blocks; ++i) {
+    if (rng() % 3 == 0) {
+      text += std::to_string(100000000 + rng() % 900000000);
+    } else {
+      text += kBlocks[rng() % 4];
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+TEST(BigInteger, ParsesIntegerTextAndZeroHasNoSign) {
+  const CBigInteger minusZero("-0");
+  EXPECT_EQ(Str(minusZero), "0");
+  EXPECT_TRUE(minusZero == CBigInteger(0));
+  EXPECT_FALSE(minusZero < CBigInteger(0));
+  EXPECT_FALSE(CBigInteger(0) < minusZero);
+  EXPECT_EQ(Str(CBigInteger("000123")), "123");
+  EXPECT_EQ(Str(CBigInteger("  -42  ")), "-42");
+  EXPECT_EQ(Str(CBigInteger("\t-42\n")), "-42");
+  EXPECT_EQ(Str(CBigInteger("+5")), "5");
+  EXPECT_EQ(Str(CBigInteger("12 34")), "34");
+  EXPECT_EQ(Str(CBigInteger("")), "0");
+  EXPECT_EQ(Str(CBigInteger("-")), "0");
+  EXPECT_EQ(Str(CBigInteger(nullptr)), "0");
+  EXPECT_EQ(Str(CBigInteger(INT_MIN)), "-2147483648");
+  EXPECT_EQ(Str(CBigInteger(5) - CBigInteger(5)), "0");
+  EXPECT_EQ(Str(CBigInteger(-5) + CBigInteger(5)), "0");
+  EXPECT_EQ(Str(CBigInteger(0).GetNegative()), "0");
+  EXPECT_EQ(Str(CBigInteger(-3) * CBigInteger(0)), "0");
+}
+
+TEST(BigInteger, NonIntegerTextIsRoundedHalfTowardZero) {
+  EXPECT_EQ(Str(CBigInteger("1.9")), "2");
+  EXPECT_EQ(Str(CBigInteger("1.5")), "1");
+  EXPECT_EQ(Str(CBigInteger("2.5")), "2");
+  EXPECT_EQ(Str(CBigInteger("2.51")), "3");
+  EXPECT_EQ(Str(CBigInteger("-1.9")), "-2");
+  EXPECT_EQ(Str(CBigInteger("-2.5")), "-2");
+  EXPECT_EQ(Str(CBigInteger("-0.4")), "0");
+  EXPECT_EQ(Str(CBigInteger("0.99999999999999999999999999999999")), "1");
+  EXPECT_EQ(Str(CBigInteger("1.5e3")), "1500");
+  EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([] { CBigInteger v("12a"); }),
+            "The string representing a Decimal, contained an invalid char at position 2 [12a]");
+
+  EXPECT_EQ(Str(CBigInteger(2.5)), "2");
+  EXPECT_EQ(Str(CBigInteger(2.6)), "3");
+  EXPECT_EQ(Str(CBigInteger(-2.5)), "-2");
+  EXPECT_EQ(Str(CBigInteger(-2.6)), "-3");
+  EXPECT_EQ(Str(CBigInteger(-0.4)), "0");
+  EXPECT_EQ(Str(CBigInteger(1e22)), "10000000000000000000000");
+  EXPECT_EQ(Str(CBigInteger(std::ldexp(1.0, 70))), "1180591620717411303424");
+  EXPECT_EQ(Str(CBigInteger(-std::ldexp(1.0, 64))), "-18446744073709551616");
+  const std::string nonFinite = "ERROR: Infinity or NaN can not be converted to an integer.";
+  EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([] { CBigInteger v(HUGE_VAL); }), nonFinite);
+  EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([] { CBigInteger v(std::nan("")); }), nonFinite);
+}
+
+TEST(BigInteger, DivisionTruncatesAndRejectsDivisors) {
+  EXPECT_EQ(Str(CBigInteger(7) / CBigInteger(-2)), "-3");
+  EXPECT_EQ(Str(CBigInteger(-7) / CBigInteger(2)), "-3");
+  EXPECT_EQ(Str(CBigInteger(-7) / CBigInteger(-2)), "3");
+  EXPECT_EQ(Str(CBigInteger(0) / CBigInteger(-2)), "0");
+  EXPECT_EQ(Str(CBigInteger(7) % CBigInteger(2)), "1");
+  EXPECT_EQ(Str(CBigInteger(-7) % CBigInteger(2)), "-1");
+  EXPECT_EQ(Str(CBigInteger(-6) % CBigInteger(2)), "0");
+
+  CBigInteger x(7);
+  EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([&] { x / CBigInteger(0); }),
+            "ERROR: Overflow in operator/.");
+  for (int divisor : {0, -2}) {
+    EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([&] { x /= CBigInteger(divisor); }),
+              "ERROR: Overflow in operator /=.");
+    EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([&] { x % CBigInteger(divisor); }),
+              "ERROR: Overflow in operator%.");
+    EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([&] { x %= CBigInteger(divisor); }),
+              "ERROR: Overflow in operator%=.");
+  }
+  EXPECT_EQ(Str(x), "7");
+  x /= CBigInteger(2);
+  EXPECT_EQ(Str(x), "3");
+  x %= CBigInteger(2);
+  EXPECT_EQ(Str(x), "1");
+}
+
+TEST(BigInteger, LongDivisionOfManyLimbs) {
+  std::mt19937_64 rng(12345);
+  for (int round = 0; round < 400; ++round) {
+    const CBigInteger a(AwkwardDigits(rng, 2 + static_cast<int>(rng() % 45)).c_str());
+    CBigInteger b(AwkwardDigits(rng, static_cast<int>(rng() % 20)).c_str());
+    if (round % 2) b.Negate();
+    const CBigInteger q = a / b;
+    const CBigInteger r = a % b.GetAbs();
+    ASSERT_TRUE(q * b + r == a) << Str(a) << " / " << Str(b);
+    ASSERT_TRUE(r >= CBigInteger(0) && r < b.GetAbs()) << Str(a) << " % " << Str(b);
+  }
+  const CBigInteger nines(std::string(300, '9').c_str());
+  EXPECT_EQ(Str(nines * nines), std::string(299, '9') + "8" + std::string(299, '0') + "1");
+  EXPECT_TRUE((nines * nines) / nines == nines);
+  const std::string digits500 = "7" + std::string(498, '0') + "3";
+  EXPECT_EQ(Str(CBigInteger(digits500.c_str())), digits500);
+  EXPECT_EQ(Str(CBigInteger::Pow10(20)), "100000000000000000000");
+}
+
+TEST(BigInteger, SquareRootAndIntConversion) {
+  EXPECT_EQ(Str(CBigInteger(99).SquareRoot()), "9");
+  EXPECT_EQ(Str(CBigInteger(100).SquareRoot()), "10");
+  EXPECT_EQ(Str(CBigInteger(3).SquareRoot()), "1");
+  EXPECT_EQ(Str(CBigInteger(1).SquareRoot()), "1");
+  EXPECT_EQ(Str(CBigInteger(0).SquareRoot()), "0");
+  const CBigInteger big = CBigInteger::Pow10(100) + CBigInteger(1);
+  EXPECT_TRUE((big * big - CBigInteger(1)).SquareRoot() == CBigInteger::Pow10(100));
+  EXPECT_TRUE((big * big).SquareRoot() == big);
+  EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([] { CBigInteger(-4).SquareRoot(); }),
+            "ERROR: Negative Number in function SquareRoot().");
+
+  EXPECT_EQ(static_cast<int>(CBigInteger("2147483647")), INT_MAX);
+  EXPECT_EQ(static_cast<int>(CBigInteger("-2147483648")), INT_MIN);
+  for (const char* outside : {"2147483648", "-2147483649", "1000000000000000000000"}) {
+    EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([&] { (void)static_cast<int>(CBigInteger(outside)); }),
+              "ERROR: Value out of bound of int.")
+        << outside;
+  }
+
+  CBigInteger v(5);
+  -v;
+  EXPECT_EQ(Str(v), "-5");
+  v.Abs();
+  EXPECT_EQ(Str(v), "5");
+  EXPECT_TRUE(CBigInteger(-10) < CBigInteger(-9));
+  EXPECT_TRUE(CBigInteger(-1) < CBigInteger(0));
+  EXPECT_TRUE(CBigInteger(123456789) * CBigInteger(1000000000) > CBigInteger(999999999));
+}
+
+TEST(BigInteger, LimitsAreBuiltFromText) {
+  EXPECT_EQ(Str(CBigInteger::MAX_LONG), "2147483647");
+  EXPECT_EQ(Str(CBigInteger::MIN_LONG), "-2147483648");
+  EXPECT_EQ(Str(CBigInteger::MAX_LONGLONG), "9223372036854775807");
+  EXPECT_EQ(Str(CBigInteger::MIN_LONGLONG), "-9223372036854775808");
+  EXPECT_EQ(Str(CBigInteger::MAX_DOUBLE), "17" + std::string(307, '0'));
+  EXPECT_EQ(Str(CBigInteger::MIN_DOUBLE), "-17" + std::string(307, '0'));
+}

@@ -1,0 +1,183 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include <KoXmlLib10.h>
+
+#include "types/ThrownMessage.h"
+
+using namespace KoXmlLib10;
+
+namespace {
+
+// Built during static initialisation of this program, before main: parsing
+// and the range checks must not depend on the library's own initialisers.
+const CDecimal kStartupPrice("1234.50");
+const long kStartupLong = CDecimal("2147483647.4").ToLong();
+
+std::string Str(const char* text) { return CDecimal(text).ToString(); }
+
+std::string ParseError(const char* text) {
+  return ThrownMessage<CKoInvalidValueException>([&] { CDecimal d(text); });
+}
+
+std::string Position(int position, const std::string& text) {
+  return "The string representing a Decimal, contained an invalid char at position " +
+         std::to_string(position) + " [" + text + "]";
+}
+
+}  // namespace
+
+TEST(Decimal, StaticObjectsParseAtStartup) {
+  EXPECT_EQ(kStartupPrice.ToString(), "1234.5");
+  EXPECT_EQ(kStartupLong, 2147483647L);
+}
+
+TEST(Decimal, ParsesAndPrints) {
+  EXPECT_EQ(Str("1.500"), "1.5");
+  EXPECT_EQ(Str("-0.50"), "-0.5");
+  EXPECT_EQ(Str("007"), "7");
+  EXPECT_EQ(Str(".5"), "0.5");
+  EXPECT_EQ(Str("1.05"), "1.05");
+  EXPECT_EQ(Str("1.5e3"), "1500");
+  EXPECT_EQ(Str("1.5E-2"), "0.015");
+  EXPECT_EQ(Str("12.5e-1"), "1.25");
+  EXPECT_EQ(Str(" 1 000.5\n"), "1000.5");
+  EXPECT_EQ(Str("5-"), "-5");
+  EXPECT_EQ(Str("-0"), "0");
+  EXPECT_EQ(Str("-0.000"), "0");
+  EXPECT_EQ(Str(""), "0");
+  EXPECT_EQ(CDecimal(0.1).ToString(), "0.1");
+  EXPECT_EQ(CDecimal(-2.5).ToString(), "-2.5");
+  EXPECT_EQ(CDecimal(CBigInteger(1), CBigInteger(5), 2).ToString(), "1.05");
+  EXPECT_EQ(CDecimal(CBigInteger(-1), CBigInteger(-50), 2).ToString(), "-1.5");
+  EXPECT_EQ(Str("1e9999").size(), 10000u);
+  const std::string integer500 = "9" + std::string(498, '0') + "1.25";
+  EXPECT_EQ(Str(integer500.c_str()), integer500);
+}
+
+TEST(Decimal, ParseErrorsNamePositionAndKeepValue) {
+  EXPECT_EQ(ParseError("12a"), Position(2, "12a"));
+  EXPECT_EQ(ParseError("abc"), Position(0, "abc"));
+  EXPECT_EQ(ParseError("1.2.3"), Position(3, "1.2.3"));
+  EXPECT_EQ(ParseError("1.5-"), Position(3, "1.5-"));
+  EXPECT_EQ(ParseError("1e5x"), Position(3, "1e5x"));
+  EXPECT_EQ(ParseError("1e 5 "), Position(4, "1e 5 "));
+  EXPECT_EQ(ParseError("1e10000"), Position(6, "1e10000"));
+  EXPECT_EQ(ParseError("1e-10000"), Position(7, "1e-10000"));
+  CDecimal kept("2.5");
+  EXPECT_THROW(kept.Parse("2.5x"), CKoInvalidValueException);
+  EXPECT_EQ(kept.ToString(), "2.5");
+}
+
+TEST(Decimal, FractionDigitsRoundHalfTowardZeroAtThirty) {
+  const std::string z29(29, '0');
+  const std::string nines30(30, '9');
+  auto str = [](const std::string& text) { return CDecimal(text.c_str()).ToString(); };
+  EXPECT_EQ(str("1.23456789012345678901234567890123"), "1.234567890123456789012345678901");
+  EXPECT_EQ(str("0." + z29 + "15"), "0." + z29 + "1");
+  EXPECT_EQ(str("0." + z29 + "151"), "0." + z29 + "2");
+  EXPECT_EQ(str("-0." + z29 + "15"), "-0." + z29 + "1");
+  EXPECT_EQ(str("-0." + z29 + "16"), "-0." + z29 + "2");
+  EXPECT_EQ(str("0.1" + z29 + "4"), "0.1");
+  EXPECT_EQ(str("0." + nines30 + "6"), "1");
+  EXPECT_EQ(str("-9." + nines30 + "6"), "-10");
+  EXPECT_EQ(str("0.0" + z29 + "4"), "0");
+  // Dividing by 10^e truncates after 32 digits first: ...1|50|0001 is a half.
+  EXPECT_EQ(str("0." + std::string(28, '0') + "1500001e-1"), "0." + z29 + "1");
+  EXPECT_EQ(str("0." + z29 + "1500001"), "0." + z29 + "2");
+  EXPECT_EQ((CDecimal("0.000000000000001") * CDecimal("0.0000000000000015")).ToString(), "0." + z29 + "1");
+  EXPECT_EQ(str("-12345." + std::string(494, '7') + "1"), "-12345." + std::string(29, '7') + "8");
+}
+
+TEST(Decimal, AdditionCarriesBetweenFractionAndInteger) {
+  auto sum = [](const char* a, const char* b) { return (CDecimal(a) + CDecimal(b)).ToString(); };
+  auto difference = [](const char* a, const char* b) { return (CDecimal(a) - CDecimal(b)).ToString(); };
+  EXPECT_EQ(sum("1.2", "-0.5"), "0.7");
+  EXPECT_EQ(sum("-1.2", "0.5"), "-0.7");
+  EXPECT_EQ(sum("0.999", "0.001"), "1");
+  EXPECT_EQ(sum("-0.999", "-0.001"), "-1");
+  EXPECT_EQ(sum("-0.5", "0.25"), "-0.25");
+  EXPECT_EQ(sum("-2.75", "1"), "-1.75");
+  EXPECT_EQ(difference("1", "0.001"), "0.999");
+  EXPECT_EQ(difference("-1", "-0.001"), "-0.999");
+  EXPECT_EQ(difference("0.3", "1"), "-0.7");
+  EXPECT_EQ(difference("2.5", "3.75"), "-1.25");
+  EXPECT_EQ(difference("-3.25", "-10.5"), "7.25");
+  const CDecimal zero = CDecimal("1.5") + CDecimal("-1.5");
+  EXPECT_EQ(zero.ToString(), "0");
+  EXPECT_TRUE(zero == CDecimal(0));
+  EXPECT_FALSE(zero < CDecimal("-0"));
+  EXPECT_FALSE(CDecimal("-0") < zero);
+
+  CDecimal d("-0.5");
+  EXPECT_EQ((d++).ToString(), "-0.5");
+  EXPECT_EQ(d.ToString(), "0.5");
+  EXPECT_EQ((--d).ToString(), "-0.5");
+  d.Negate();
+  EXPECT_EQ(d.ToString(), "0.5");
+}
+
+TEST(Decimal, MultiplicationAndDivision) {
+  EXPECT_EQ((CDecimal("1.5") * CDecimal("-0.2")).ToString(), "-0.3");
+  EXPECT_EQ((CDecimal(1) / CDecimal(3)).ToString(), "0.333333333333333333333333333333");
+  EXPECT_EQ((CDecimal(2) / CDecimal(3)).ToString(), "0.666666666666666666666666666667");
+  EXPECT_EQ((CDecimal(-2) / CDecimal(3)).ToString(), "-0.666666666666666666666666666667");
+  EXPECT_EQ((CDecimal(1) / CDecimal(-3)).ToString(), "-0.333333333333333333333333333333");
+  EXPECT_EQ((CDecimal("10") / CDecimal("0.4")).ToString(), "25");
+  CDecimal d("2.5");
+  EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([&] { d /= CDecimal("0.0"); }), "ERROR: Overflow in operator/.");
+  EXPECT_EQ(d.ToString(), "2.5");
+}
+
+TEST(Decimal, Comparison) {
+  EXPECT_TRUE(CDecimal("-0.5") < CDecimal("0.3"));
+  EXPECT_TRUE(CDecimal("-1.5") < CDecimal("-1.2"));
+  EXPECT_TRUE(CDecimal("-1.5") < CDecimal("-0.9"));
+  EXPECT_TRUE(CDecimal("1.05") < CDecimal("1.5"));
+  EXPECT_TRUE(CDecimal("1.10") == CDecimal("1.1"));
+  EXPECT_TRUE(CDecimal("1234.50") > CDecimal("999.99"));
+  EXPECT_TRUE(CDecimal("2") >= CDecimal("2.0"));
+  EXPECT_TRUE(CDecimal("2") != CDecimal("2.000000001"));
+}
+
+TEST(Decimal, ConversionsRoundAndCheckRange) {
+  EXPECT_EQ(CDecimal("2.5").ToLong(), 2L);
+  EXPECT_EQ(CDecimal("2.6").ToLong(), 3L);
+  EXPECT_EQ(CDecimal("-2.5").ToLong(), -2L);
+  EXPECT_EQ(CDecimal("-2.6").ToLong(), -3L);
+  EXPECT_EQ(CDecimal("-2147483648.5").ToLong(), -2147483648L);
+  EXPECT_EQ(CDecimal("9223372036854775807.5").ToLongLong(), 9223372036854775807LL);
+  EXPECT_EQ(CDecimal("-9223372036854775808").ToLongLong(), -9223372036854775807LL - 1);
+  EXPECT_EQ(CDecimal("-3.5").ToBigInteger().ToString(), "-3");
+  EXPECT_EQ(CDecimal("0.1").ToDouble(), 0.1);
+  EXPECT_EQ(CDecimal("-1.6E+308").ToDouble(), -1.6e308);
+
+  const std::string longMessage = "The Decimal value if to large to fit into a LONG";
+  for (const char* outside : {"2147483648", "2147483647.6", "-2147483649"})
+    EXPECT_EQ(ThrownMessage<CKoOverFlowException>([&] { CDecimal(outside).ToLong(); }), longMessage) << outside;
+  for (const char* outside : {"9223372036854775808", "-9223372036854775809"})
+    EXPECT_EQ(ThrownMessage<CKoOverFlowException>([&] { CDecimal(outside).ToLongLong(); }),
+              "The Decimal value if to large to fit into a LONGLONG")
+        << outside;
+  for (const char* outside : {"1.8E+308", "-1.8E+308"})
+    EXPECT_EQ(ThrownMessage<CKoOverFlowException>([&] { CDecimal(outside).ToDouble(); }),
+              "The Decimal value if to large to fit into a Double")
+        << outside;
+}
+
+TEST(Decimal, ToStringWithPlacesRoundsHalfAwayFromZero) {
+  auto places = [](const char* text, int n) { return CDecimal(text).ToString(n); };
+  EXPECT_EQ(places("1.005", 2), "1.01");
+  EXPECT_EQ(places("-1.005", 2), "-1.01");
+  EXPECT_EQ(places("1.004", 2), "1.00");
+  EXPECT_EQ(places("-0.25", 1), "-0.3");
+  EXPECT_EQ(places("-0.01", 1), "-0.0");
+  EXPECT_EQ(places("0.995", 2), "1.00");
+  EXPECT_EQ(places("1.5", 3), "1.500");
+  EXPECT_EQ(places("2", 2), "2.00");
+  EXPECT_EQ(places("1.5", 35), "1.5" + std::string(34, '0'));
+  EXPECT_EQ(places("2.5", 0), "3");
+  EXPECT_EQ(places("-2.5", 0), "-3");
+  EXPECT_EQ(places("-0.4", 0), "0");
+}

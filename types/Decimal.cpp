@@ -1,0 +1,366 @@
+#include "KoXmlLib10/Decimal.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+#include "KoXmlLib10/Exceptions.h"
+#include "types/NumberLimits.h"
+
+namespace KoXmlLib10 {
+
+namespace {
+
+// Exponents are applied digit by digit, so they are bounded to keep absurd
+// input such as "1e999999999" from allocating without limit.
+constexpr unsigned int kMaxExponent = 9999;
+
+int MaxDivider() { return std::max(0, CDecimal::m_maxDivider); }
+
+bool IsWhitespace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+[[noreturn]] void ThrowInvalidChar(size_t position, const char* text) {
+  throw CKoInvalidValueException(
+      FormatString("The string representing a Decimal, contained an invalid char at position %d [%s]",
+                   static_cast<int>(position), text));
+}
+
+// The pieces of decimal text: digits with whitespace removed, the sign and
+// the signed exponent.
+struct DecimalText {
+  std::string integerDigits;
+  std::string fractionDigits;
+  bool negative = false;
+  int exponent = 0;
+};
+
+DecimalText ScanDecimal(const char* s) {
+  enum class Section { Integer, Fraction, Exponent };
+  const std::string_view text = s ? s : "";
+  DecimalText scanned;
+  Section section = Section::Integer;
+  bool exponentNegative = false;
+  bool exponentStarted = false;
+  unsigned int exponent = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    switch (section) {
+      case Section::Integer:
+        if (IsDigit(c)) scanned.integerDigits += c;
+        else if (c == '-' || c == '+') scanned.negative = c == '-';
+        else if (c == '.') section = Section::Fraction;
+        else if (c == 'e' || c == 'E') section = Section::Exponent;
+        else if (!IsWhitespace(c)) ThrowInvalidChar(i, s);
+        break;
+      case Section::Fraction:
+        if (IsDigit(c)) scanned.fractionDigits += c;
+        else if (c == 'e' || c == 'E') section = Section::Exponent;
+        else if (!IsWhitespace(c)) ThrowInvalidChar(i, s);
+        break;
+      case Section::Exponent:
+        if (IsDigit(c)) {
+          exponentStarted = true;
+          exponent = exponent * 10 + static_cast<unsigned int>(c - '0');
+          if (exponent > kMaxExponent) ThrowInvalidChar(i, s);
+        } else if (exponentStarted) {
+          ThrowInvalidChar(i, s);
+        } else if (c == '-' || c == '+') {
+          exponentNegative = c == '-';
+        } else if (!IsWhitespace(c)) {
+          ThrowInvalidChar(i, s);
+        }
+        break;
+    }
+  }
+  scanned.exponent = exponentNegative ? -static_cast<int>(exponent) : static_cast<int>(exponent);
+  return scanned;
+}
+
+// Builds a value from plain digit text; empty text is zero.
+CBigInteger FromDigitText(const std::string& digits) { return CBigInteger(digits.c_str()); }
+
+// Is |remainder| above (1), equal to (0) or below (-1) half of 10^k, k >= 1?
+int CompareWithHalf(const CBigInteger& remainder, unsigned int k) {
+  const CBigInteger half = CBigInteger::Pow10(k - 1) * CBigInteger(5);
+  const CBigInteger magnitude = remainder.GetAbs();
+  if (magnitude == half) return 0;
+  return magnitude < half ? -1 : 1;
+}
+
+}  // namespace
+
+int CDecimal::m_maxDivider = 30;
+
+// ---- construction ----------------------------------------------------------
+
+CDecimal::CDecimal() : m_integer(0), m_fraction(0), m_divider(1) {}
+
+CDecimal::CDecimal(int i) : m_integer(i), m_fraction(0), m_divider(1) {}
+
+CDecimal::CDecimal(double d) : CDecimal() {
+  char buffer[1024];
+  std::snprintf(buffer, sizeof buffer, "%.13f\n", d);
+  Parse(buffer);
+}
+
+CDecimal::CDecimal(const char* s) : CDecimal() { Parse(s); }
+
+CDecimal::CDecimal(const CBigInteger& integerPart) : m_integer(integerPart), m_fraction(0), m_divider(1) {}
+
+CDecimal::CDecimal(const CBigInteger& integerPart, const CBigInteger& fraction, int divider) : CDecimal() {
+  if (divider <= 0) {
+    CBigInteger scaled = fraction;
+    scaled.MultiplyPow10(static_cast<unsigned int>(-static_cast<long long>(divider)));
+    SetScaled(integerPart + scaled, 0);
+    return;
+  }
+  // A fraction this far below the last kept digit cannot change the rounded
+  // value, and building 10^divider for it could be enormous.
+  const long long negligibleFrom = static_cast<long long>(CBigInteger::Position(fraction.m_digits)) + MaxDivider() + 1;
+  if (divider > negligibleFrom) {
+    SetScaled(integerPart, 0);
+    return;
+  }
+  CBigInteger scaled = integerPart;
+  scaled.MultiplyPow10(static_cast<unsigned int>(divider));
+  SetScaled(scaled + fraction, divider);
+}
+
+CDecimal::CDecimal(const CDecimal& other) = default;
+CDecimal::CDecimal(CDecimal&& other) noexcept = default;
+CDecimal& CDecimal::operator=(const CDecimal& other) = default;
+CDecimal& CDecimal::operator=(CDecimal&& other) noexcept = default;
+CDecimal::~CDecimal() = default;
+
+// ---- internal representation -----------------------------------------------
+
+bool CDecimal::IsNegative() const { return m_integer.IsNegative() || m_fraction.IsNegative(); }
+
+CBigInteger CDecimal::Scaled(int divider) const {
+  CBigInteger scaled = m_integer;
+  scaled.MultiplyPow10(static_cast<unsigned int>(divider));
+  CBigInteger fraction = m_fraction;
+  fraction.MultiplyPow10(static_cast<unsigned int>(divider - m_divider));
+  return scaled += fraction;
+}
+
+void CDecimal::SetScaled(CBigInteger scaled, int divider) {
+  m_fraction = scaled.DividePow10(static_cast<unsigned int>(divider));
+  m_integer = std::move(scaled);
+  m_divider = divider;
+  Finish();
+}
+
+void CDecimal::Finish() {
+  Rationalise();
+  if (m_divider > MaxDivider()) {
+    ChangeFractionalDivider(MaxDivider());
+    Rationalise();
+  }
+}
+
+void CDecimal::ChangeFractionalDivider(int d) {
+  d = std::max(d, 0);
+  if (d >= m_divider) {
+    m_fraction.MultiplyPow10(static_cast<unsigned int>(d - m_divider));
+    m_divider = d;
+    return;
+  }
+  const unsigned int k = static_cast<unsigned int>(m_divider - d);
+  const CBigInteger dropped = m_fraction.DividePow10(k);
+  // Round to the nearest; an exact half goes toward zero.
+  if (CompareWithHalf(dropped, k) > 0) m_fraction += CBigInteger(dropped.IsNegative() ? -1 : 1);
+  // A fraction that rounded up to 10^d moves into the integer part.
+  CBigInteger fraction = m_fraction.DividePow10(static_cast<unsigned int>(d));
+  m_integer += m_fraction;
+  m_fraction = std::move(fraction);
+  m_divider = d;
+}
+
+void CDecimal::Normalize(CDecimal& a, CDecimal& b) {
+  const int divider = std::max(a.m_divider, b.m_divider);
+  a.ChangeFractionalDivider(divider);
+  b.ChangeFractionalDivider(divider);
+}
+
+void CDecimal::Rationalise() {
+  if (m_divider < 1) {
+    m_fraction.MultiplyPow10(static_cast<unsigned int>(1 - m_divider));
+    m_divider = 1;
+  }
+  if (m_fraction.IsZero()) {
+    m_divider = 1;
+    return;
+  }
+  const unsigned int drop = std::min(m_fraction.TrailingZeros(), static_cast<unsigned int>(m_divider - 1));
+  m_fraction.DividePow10(drop);
+  m_divider -= static_cast<int>(drop);
+}
+
+// ---- text ------------------------------------------------------------------
+
+void CDecimal::Parse(const char* s) {
+  const DecimalText text = ScanDecimal(s);
+  const int fractionDigits = static_cast<int>(text.fractionDigits.size());
+  CBigInteger scaled = FromDigitText(text.integerDigits + text.fractionDigits);
+  if (text.negative) scaled.Negate();
+
+  int divider = fractionDigits - text.exponent;
+  if (divider < 0) {
+    scaled.MultiplyPow10(static_cast<unsigned int>(-divider));
+    divider = 0;
+  } else if (text.exponent < 0 && divider > MaxDivider() + 2) {
+    // Dividing by a power of ten keeps two guard digits, truncated, before
+    // the final rounding; so does parsing a negative exponent.
+    scaled.DividePow10(static_cast<unsigned int>(divider - (MaxDivider() + 2)));
+    divider = MaxDivider() + 2;
+  }
+  CDecimal parsed;
+  parsed.SetScaled(std::move(scaled), divider);
+  *this = std::move(parsed);
+}
+
+std::string CDecimal::ToString() const {
+  if (m_fraction.IsZero()) return m_integer.ToString();
+  std::string text = IsNegative() ? "-" : "";
+  m_integer.AppendMagnitude(text);
+  text += '.';
+  std::string fraction;
+  m_fraction.AppendMagnitude(fraction);
+  if (fraction.size() < static_cast<size_t>(m_divider)) text.append(m_divider - fraction.size(), '0');
+  return text += fraction;
+}
+
+std::string CDecimal::ToString(int places) const {
+  places = std::max(places, 0);
+  CBigInteger magnitude = Scaled(m_divider).GetAbs();
+  if (places < m_divider) {
+    const unsigned int k = static_cast<unsigned int>(m_divider - places);
+    // Round half away from zero.
+    if (CompareWithHalf(magnitude.DividePow10(k), k) >= 0) magnitude += CBigInteger(1);
+  } else {
+    magnitude.MultiplyPow10(static_cast<unsigned int>(places - m_divider));
+  }
+  std::string digits;
+  magnitude.AppendMagnitude(digits);
+  if (places == 0) return (IsNegative() && !magnitude.IsZero() ? "-" : "") + digits;
+  if (digits.size() <= static_cast<size_t>(places)) digits.insert(0, places + 1 - digits.size(), '0');
+  digits.insert(digits.size() - places, 1, '.');
+  return (IsNegative() ? "-" : "") + digits;
+}
+
+// ---- arithmetic ------------------------------------------------------------
+
+CDecimal CDecimal::operator+(const CDecimal& other) const {
+  const int divider = std::max(m_divider, other.m_divider);
+  CDecimal sum;
+  sum.SetScaled(Scaled(divider) + other.Scaled(divider), divider);
+  return sum;
+}
+
+CDecimal CDecimal::operator-(const CDecimal& other) const { return *this + other.GetNegative(); }
+
+CDecimal CDecimal::operator*(const CDecimal& other) const {
+  CDecimal product;
+  product.SetScaled(Scaled(m_divider) * other.Scaled(other.m_divider), m_divider + other.m_divider);
+  return product;
+}
+
+CDecimal CDecimal::operator/(const CDecimal& other) const {
+  const int divider = std::max(m_divider, other.m_divider);
+  const int quotientDivider = MaxDivider() + 2;
+  CBigInteger dividend = Scaled(divider);
+  dividend.MultiplyPow10(static_cast<unsigned int>(quotientDivider));
+  CDecimal quotient;
+  quotient.SetScaled(dividend / other.Scaled(divider), quotientDivider);
+  return quotient;
+}
+
+CDecimal& CDecimal::operator+=(const CDecimal& other) { return *this = *this + other; }
+CDecimal& CDecimal::operator-=(const CDecimal& other) { return *this = *this - other; }
+CDecimal& CDecimal::operator*=(const CDecimal& other) { return *this = *this * other; }
+CDecimal& CDecimal::operator/=(const CDecimal& other) { return *this = *this / other; }
+
+CDecimal& CDecimal::operator++() { return *this += CDecimal(1); }
+CDecimal& CDecimal::operator--() { return *this -= CDecimal(1); }
+
+CDecimal CDecimal::operator++(int) {
+  CDecimal previous(*this);
+  ++*this;
+  return previous;
+}
+
+CDecimal CDecimal::operator--(int) {
+  CDecimal previous(*this);
+  --*this;
+  return previous;
+}
+
+void CDecimal::Negate() {
+  m_integer.Negate();
+  m_fraction.Negate();
+}
+
+CDecimal CDecimal::GetNegative() const {
+  CDecimal copy(*this);
+  copy.Negate();
+  return copy;
+}
+
+// ---- comparison ------------------------------------------------------------
+
+int CDecimal::CompareTo(const CDecimal& other) const {
+  // Integer parts decide on their own: the fraction never reaches a unit.
+  if (m_integer != other.m_integer) return m_integer < other.m_integer ? -1 : 1;
+  if (m_divider == other.m_divider) {
+    if (m_fraction == other.m_fraction) return 0;
+    return m_fraction < other.m_fraction ? -1 : 1;
+  }
+  const CBigInteger left = Scaled(std::max(m_divider, other.m_divider));
+  const CBigInteger right = other.Scaled(std::max(m_divider, other.m_divider));
+  if (left == right) return 0;
+  return left < right ? -1 : 1;
+}
+
+bool CDecimal::operator==(const CDecimal& other) const { return CompareTo(other) == 0; }
+bool CDecimal::operator!=(const CDecimal& other) const { return CompareTo(other) != 0; }
+bool CDecimal::operator<(const CDecimal& other) const { return CompareTo(other) < 0; }
+bool CDecimal::operator<=(const CDecimal& other) const { return CompareTo(other) <= 0; }
+bool CDecimal::operator>(const CDecimal& other) const { return CompareTo(other) > 0; }
+bool CDecimal::operator>=(const CDecimal& other) const { return CompareTo(other) >= 0; }
+
+// ---- conversions -----------------------------------------------------------
+
+double CDecimal::ToDouble() const {
+  const NumberLimits& limits = GetNumberLimits();
+  if (m_integer > limits.maxDouble || m_integer < limits.minDouble)
+    throw CKoOverFlowException("The Decimal value if to large to fit into a Double");
+  return std::strtod(ToString().c_str(), nullptr);
+}
+
+long CDecimal::ToLong() const {
+  const CBigInteger value = ToBigInteger();
+  const NumberLimits& limits = GetNumberLimits();
+  if (value > limits.maxLong || value < limits.minLong)
+    throw CKoOverFlowException("The Decimal value if to large to fit into a LONG");
+  return std::atoi(value.ToString().c_str());
+}
+
+long long CDecimal::ToLongLong() const {
+  const CBigInteger value = ToBigInteger();
+  const NumberLimits& limits = GetNumberLimits();
+  if (value > limits.maxLongLong || value < limits.minLongLong)
+    throw CKoOverFlowException("The Decimal value if to large to fit into a LONGLONG");
+  return std::strtoll(value.ToString().c_str(), nullptr, 10);
+}
+
+CBigInteger CDecimal::ToBigInteger() const {
+  CDecimal rounded(*this);
+  rounded.ChangeFractionalDivider(0);
+  return rounded.m_integer;
+}
+
+}  // namespace KoXmlLib10
