@@ -263,7 +263,10 @@ void CDateTime::DropAbsentFields() {
   if (!HasYear(m_type)) m_year = 0;
   if (!HasMonth(m_type)) m_month = 0;
   if (!HasDay(m_type)) m_day = 0;
-  if (!HasTime(m_type)) m_hour = m_minute = m_second = 0, m_milli = m_micro = m_nano = 0;
+  if (!HasTime(m_type)) {
+    m_hour = m_minute = m_second = 0;
+    m_milli = m_micro = m_nano = 0;
+  }
 }
 
 // ---- field access --------------------------------------------------------

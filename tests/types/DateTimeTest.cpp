@@ -338,6 +338,8 @@ TEST(DateTime, TimeConversionIgnoresProcessZone) {
   EXPECT_EQ(CDateTime(1004124772L).ToString(), "2001-10-26T19:32:52");
   EXPECT_EQ(CDateTime(-62135596800L).ToString(), "0001-01-01T00:00:00");
   EXPECT_EQ(CDateTime(253402300800L).GetType(), CDateTime::dt_yearZero);
+  EXPECT_NEAR(static_cast<double>(CDateTime::GetCurrentTime().GetTime()),
+              static_cast<double>(std::time(nullptr)), 2.0);
   CDateTime assigned;
   assigned = 951825600L;
   EXPECT_EQ(assigned.ToString(), "2000-02-29T12:00:00");
