@@ -18,5 +18,8 @@
 #include "KoXmlLib10/KoZip.h"
 #include "KoXmlLib10/BigInteger.h"
 #include "KoXmlLib10/Decimal.h"
+#include "KoXmlLib10/Streams.h"
+#include "KoXmlLib10/XmlWriter.h"
+#include "KoXmlLib10/XmlTextWriter.h"
 
 #endif

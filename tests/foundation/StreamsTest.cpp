@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+
+#include <KoXmlLib10.h>
+
+#include <clocale>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <vector>
+
+using namespace KoXmlLib10;
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+Bytes BytesOf(const CBinaryData& data) {
+  return Bytes(data.GetData(), data.GetData() + data.GetLength());
+}
+
+Bytes FileBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+std::string TempPath(const char* name) {
+  return (testing::TempDir() + "koxml_streams_") + name;
+}
+
+std::string ErrorOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const CKoException& e) {
+    return e.GetMessage();
+  }
+  return "no exception";
+}
+
+// Switches the local code page to UTF-8 for one test.
+class Utf8Locale {
+ public:
+  Utf8Locale() : m_saved(setlocale(LC_CTYPE, nullptr)) { setlocale(LC_CTYPE, "C.UTF-8"); }
+  ~Utf8Locale() { setlocale(LC_CTYPE, m_saved.c_str()); }
+
+ private:
+  std::string m_saved;
+};
+
+}  // namespace
+
+TEST(Streams, MemoryTextStreamEncodings) {
+  CTextStream utf8(XmlEncoding_UTF8);
+  utf8.Append('a');
+  utf8.Append("<");
+  utf8.Append(std::string("b"));
+  EXPECT_EQ(utf8.GetLength(), 3u);
+  EXPECT_EQ(BytesOf(utf8.GetEncodedStream()), (Bytes{0x61, 0x3C, 0x62}));
+  utf8.Open();
+  EXPECT_STREQ(utf8.GetText(), "");
+
+  CTextStream none;
+  none.Append("a");
+  EXPECT_EQ(ErrorOf([&] { none.GetEncodedStream(); }),
+            "Unknown Encoding, select UTF-8 (contact support@tesselbind.example for support)");
+
+  Utf8Locale locale;
+  CTextStream utf16(XmlEncoding_UTF16NoDecl);
+  utf16.Append("a\xC3\xA9\xF0\x9F\x98\x80");  // a, e-acute, and a character beyond the BMP
+  EXPECT_EQ(BytesOf(utf16.GetEncodedStream()),
+            (Bytes{0x61, 0x00, 0xE9, 0x00, 0x3D, 0xD8, 0x00, 0xDE}));
+}
+
+TEST(Streams, FileTextStreamWritesAsItFlushes) {
+  const std::string path = TempPath("text16.xml");
+  {
+    CFileTextStream stream(path.c_str(), XmlEncoding_UTF16);
+    stream.Open();
+    stream.Append("ab");
+    stream.Flush();
+    EXPECT_EQ(stream.GetLength(), 0u);
+    stream.Append("c");
+    stream.Close();
+  }
+  EXPECT_EQ(FileBytes(path), (Bytes{0xFF, 0xFE, 'a', 0, 'b', 0, 'c', 0}));
+
+  {
+    CFileTextStream stream(path.c_str(), XmlEncoding_UTF8);
+    stream.Open();
+    stream.Append(std::string(5000, 'x'));
+    stream.Flush();
+    stream.Append("tail");
+  }  // destroyed open: the buffered tail is dropped
+  EXPECT_EQ(FileBytes(path).size(), 5000u);
+  std::remove(path.c_str());
+}
+
+TEST(Streams, FileErrors) {
+  const std::string missing = "/nonexistent-dir/out.xml";
+  CFileTextStream text(missing.c_str(), XmlEncoding_UTF8);
+  EXPECT_EQ(ErrorOf([&] { text.Open(); }), "Failed to write data to the file [" + missing + "]");
+  CFileBinaryStream binary(missing.c_str(), XmlEncoding_None);
+  EXPECT_EQ(ErrorOf([&] { binary.ToFile(); }), "Failed to write data to the file [" + missing + "]");
+
+  // /dev/full accepts the open and fails every write that reaches it.
+  CFileTextStream big("/dev/full", XmlEncoding_UTF8);
+  big.Open();
+  big.Append(std::string(100000, 'x'));
+  EXPECT_EQ(ErrorOf([&] { big.Flush(); }), "Failed to write data to the file");
+  CFileTextStream small("/dev/full", XmlEncoding_UTF8);
+  small.Open();
+  small.Append("x");
+  EXPECT_EQ(ErrorOf([&] { small.Close(); }), "Failed to write data to the file");
+  CFileBinaryStream full("/dev/full", XmlEncoding_UTF16);
+  EXPECT_EQ(ErrorOf([&] { full.ToFile(); }), "Failed to write data to the file [/dev/full]");
+}
+
+TEST(Streams, BinaryStreams) {
+  CBinaryData shared("ab");
+  CBinaryStream one(shared);
+  CBinaryStream two(shared);
+  unsigned char more[] = {'c', 'd'};
+  one.Append(more, 2);
+  one.Append(static_cast<unsigned char>('e'));
+  one.Append(CBinaryData("f"));
+  EXPECT_EQ(BytesOf(one.GetBinaryStream()), (Bytes{'a', 'b', 'c', 'd', 'e', 'f'}));
+  EXPECT_EQ(BytesOf(two.GetBinaryStream()), (Bytes{'a', 'b'}));
+  EXPECT_EQ(BytesOf(shared), (Bytes{'a', 'b'}));
+
+  const std::string path = TempPath("binary.bin");
+  CBinaryData raw(more, 2, false);
+  CFileBinaryStream plain(path.c_str(), XmlEncoding_None, raw);
+  plain.ToFile();
+  EXPECT_EQ(FileBytes(path), (Bytes{'c', 'd'}));
+  CFileBinaryStream marked(path.c_str(), XmlEncoding_UTF16, raw);
+  marked.ToFile();
+  EXPECT_EQ(FileBytes(path), (Bytes{0xFF, 0xFE, 'c', 'd'}));
+  CFileBinaryStream empty(path.c_str(), XmlEncoding_UTF8);
+  empty.ToFile();
+  EXPECT_EQ(FileBytes(path).size(), 0u);
+  std::remove(path.c_str());
+}

@@ -1,0 +1,261 @@
+#include <gtest/gtest.h>
+
+#include <KoXmlLib10.h>
+
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+using namespace KoXmlLib10;
+
+namespace {
+
+const std::string kXsi = "http://www.w3.org/2001/XMLSchema-instance";
+
+std::string Write(const std::function<void(CXmlTextWriter&)>& body, bool format = true,
+                  EOLType eol = EOLTypeLF) {
+  CTextStream stream(XmlEncoding_UTF8);
+  CXmlTextWriter writer(stream);
+  writer.Open();
+  writer.SetFormat(format);
+  writer.SetEOLType(eol);
+  body(writer);
+  writer.Close();
+  return stream.GetText();
+}
+
+void Element(CXmlTextWriter& w, const std::string& name, const std::string& text,
+             const std::string& ns = "") {
+  w.WriteStartElement(name, ns);
+  w.WriteString(text, ItemType_string);
+  w.WriteEndElement();
+}
+
+void Tree(CXmlTextWriter& w) {
+  w.WriteStartElement("root", "");
+  Element(w, "child", "1");
+  Element(w, "empty", "");
+  w.WriteStartElement("group", "");
+  Element(w, "leaf", "x");
+  w.WriteEndElement();
+  w.WriteEndElement();
+}
+
+std::string ErrorOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const CKoException& e) {
+    return e.GetMessage();
+  }
+  return "no exception";
+}
+
+class CountingStream : public CTextStream {
+ public:
+  int flushes = 0;
+  void Flush() override { ++flushes; }
+};
+
+}  // namespace
+
+TEST(XmlTextWriter, LayoutWithAndWithoutFormat) {
+  EXPECT_EQ(Write(Tree), "<root>\n\t<child>1</child>\n\t<empty/>\n\t<group>\n\t\t<leaf>x</leaf>\n"
+                         "\t</group>\n</root>\n");
+  EXPECT_EQ(Write(Tree, false), "<root><child>1</child><empty/><group><leaf>x</leaf></group></root>");
+  EXPECT_EQ(Write(Tree, true, EOLTypeCRLF),
+            "<root>\r\n\t<child>1</child>\r\n\t<empty/>\r\n\t<group>\r\n\t\t<leaf>x</leaf>\r\n"
+            "\t</group>\r\n</root>\r\n");
+}
+
+TEST(XmlTextWriter, EscapingAndPassthrough) {
+  auto text = [](const std::string& s, EOLType eol) {
+    return Write([&](CXmlTextWriter& w) { Element(w, "a", s); }, false, eol);
+  };
+  EXPECT_EQ(text("a\r\nb", EOLTypeCRLF), "<a>a\r\nb</a>");
+  EXPECT_EQ(text("a\r\nb", EOLTypeLF), "<a>a\nb</a>");
+  EXPECT_EQ(text("\"'&<>\t\xC3\xA9", EOLTypeLF), "<a>\"'&amp;&lt;&gt;\t\xC3\xA9</a>");
+  EXPECT_EQ(text(std::string("ab\0<c", 5), EOLTypeLF), "<a>ab</a>");  // text ends at a NUL
+  EXPECT_EQ(text("<![CDATA[a & <b>]]>", EOLTypeLF), "<a><![CDATA[a & <b>]]></a>");
+  EXPECT_EQ(text("x<![CDATA[&]]>", EOLTypeLF), "<a>x&lt;![CDATA[&amp;]]&gt;</a>");
+
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.WriteStartElement("a", "");
+              w.WriteAttributeString("v", "", "\"\n&\r<'>", ItemType_string);
+              w.WriteEndElement();
+            }),
+            "<a v=\"&quot;&#xA;&amp;&lt;'&gt;\"/>\n");
+  EXPECT_EQ(Write([](CXmlTextWriter& w) { w.WriteComment("a<b\nc"); }, false), "<!--a&lt;b\nc-->\n");
+}
+
+TEST(XmlTextWriter, NamespacesDeclaredOnFirstUse) {
+  EXPECT_EQ(Write([](CXmlTextWriter& w) { Element(w, "root", "", "urn:a"); }),
+            "<AA:root xmlns:AA=\"urn:a\"/>\n");
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.WriteStartElement("root", "urn:a");
+              w.WriteString("t", ItemType_string);
+              w.WriteEndElement();
+            }),
+            "<AA:root xmlns:AA=\"urn:a\">t</AA:root>\n");
+  // An attribute in the default namespace still needs a prefix.
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.SetDefaultNamespace("urn:a");
+              w.WriteStartElement("root", "urn:a");
+              w.WriteAttributeString("name", "urn:a", "v", ItemType_string);
+              w.WriteEndElement();
+            }),
+            "<root xmlns=\"urn:a\" xmlns:AA=\"urn:a\" AA:name=\"v\"/>\n");
+  // Aliases in URI order, never the XML namespace; generated prefixes avoid them.
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.AddNamespace("AA", "urn:z");
+              w.AddNamespace("y", "urn:b");
+              w.WriteStartElement("root", "urn:c");
+              w.WriteAttributeString("lang", CXmlWriter::XML_NAMESPACE, "en", ItemType_string);
+              w.WriteStartElement("x", "urn:b");
+              w.WriteEndElement();
+              w.WriteEndElement();
+            }, false),
+            "<AB:root xmlns:AB=\"urn:c\" xmlns:y=\"urn:b\" xmlns:AA=\"urn:z\" xml:lang=\"en\">"
+            "<y:x/></AB:root>");
+  // A declaration made on a child is redone on its sibling, never on the parent.
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.WriteStartElement("root", "");
+              w.WriteAttributeString("k", "urn:k", "v", ItemType_string);
+              w.WriteStartElement("a", "urn:c");
+              Element(w, "b", "1", "urn:c");
+              w.WriteEndElement();
+              Element(w, "a", "2", "urn:c");
+              EXPECT_EQ(w.GetCurrentContext()->GetNamespaceMap()->size(), 2u);
+              w.WriteEndElement();
+            }, false),
+            "<root xmlns:AA=\"urn:k\" AA:k=\"v\"><AB:a xmlns:AB=\"urn:c\"><AB:b>1</AB:b></AB:a>"
+            "<AB:a xmlns:AB=\"urn:c\">2</AB:a></root>");
+}
+
+TEST(XmlTextWriter, NoNamespaceUnderDefaultNamespace) {
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.SetDefaultNamespace("urn:d");
+              w.WriteStartElement("root", "urn:d");
+              w.WriteStartElement("plain", "");
+              Element(w, "inner", "1", "urn:d");
+              w.WriteEndElement();
+              Element(w, "next", "2", "urn:d");
+              w.WriteEndElement();
+            }, false),
+            "<root xmlns=\"urn:d\"><plain xmlns=\"\"><AA:inner xmlns:AA=\"urn:d\">1</AA:inner></plain>"
+            "<next>2</next></root>");
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.SetDefaultNamespace("urn:d");
+              Element(w, "root", "");
+            }),
+            "<root xmlns=\"\"/>\n");
+}
+
+TEST(XmlTextWriter, SchemaInstanceAttributes) {
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.WriteStartElement("e", "");
+              w.WriteAttributeType("urn:t", "T", ItemType_none);
+              w.WriteAttributeNil();
+              w.WriteEndElement();
+            }),
+            "<e xmlns:AA=\"urn:t\"  xmlns:AB=\"" + kXsi + "\" AB:type=\"AA:T\" AB:nil=\"true\"/>\n");
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.AddNamespace("xsi", kXsi);
+              w.SetDefaultNamespace("urn:t");
+              w.WriteStartElement("e", "urn:t");
+              w.WriteAttributeType("urn:t", "T", ItemType_none);
+              w.WriteAttributeNil();
+              w.WriteEndElement();
+            }),
+            "<e xmlns=\"urn:t\" xmlns:xsi=\"" + kXsi + "\" xsi:type=\"T\" xsi:nil=\"true\"/>\n");
+
+  CTextStream stream;
+  CXmlTextWriter w(stream);
+  w.WriteStartElement("e", "");
+  w.WriteString("text", ItemType_string);
+  const std::string message = "Attributes must be added before elements";
+  EXPECT_EQ(ErrorOf([&] { w.WriteAttributeString("a", "", "v", ItemType_string); }), message);
+  EXPECT_EQ(ErrorOf([&] { w.WriteAttributeType("urn:t", "T", ItemType_none); }), message);
+  EXPECT_EQ(ErrorOf([&] { w.WriteAttributeNil(); }), message);
+  EXPECT_STREQ(stream.GetText(), "<e>text");
+}
+
+TEST(XmlTextWriter, PrologueSchemaAndRawContent) {
+  auto declaration = [](XmlEncoding encoding) {
+    CTextStream stream(encoding);
+    CXmlTextWriter w(stream);
+    w.WriteStartDocument();
+    return std::string(stream.GetText());
+  };
+  EXPECT_EQ(declaration(XmlEncoding_UTF8), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+  EXPECT_EQ(declaration(XmlEncoding_UTF16), "<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n");
+  EXPECT_EQ(declaration(XmlEncoding_UTF16NoDecl), "<?xml version=\"1.0\"?>\n");
+  EXPECT_EQ(declaration(XmlEncoding_None), "<?xml version=\"1.0\"?>\n");
+
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.WriteHeaderDirective("<!DOCTYPE r>");
+              w.WritePI("<?p x?>");
+              w.WriteStartElement("r", "");
+              w.WriteAttributeString("a", "", "1", ItemType_string);
+              w.WriteInlineSchema("<xs:schema/>");
+              Element(w, "c", "");
+              EXPECT_EQ(ErrorOf([&] { w.WriteHeaderDirective("x"); }),
+                        "Headed directives must appear before an Element has been added.");
+              w.CloseParentElm();
+              w.WriteRawElement("<raw/>");
+              w.WriteEndElement();
+            }, false),
+            "<!DOCTYPE r>\n<?p x?>\n\n<r a=\"1\"> \n<xs:schema/>\n<c/><raw/></r>");
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.WriteStartElement("r", "");
+              w.WriteInlineSchema("<s/>");
+              w.CloseParentElm();
+              w.WriteRawElement("<raw/>");
+              w.WriteEndElement();
+            }),
+            "<r>\n \n<s/>\n<raw/>\n</r>\n");
+}
+
+TEST(XmlTextWriter, SettingsFlushAndClose) {
+  CountingStream stream;
+  CXmlTextWriter w(stream);
+  EXPECT_TRUE(w.GetFormat());
+  EXPECT_EQ(w.GetEOLType(), EOLTypeLF);
+  EXPECT_EQ(ErrorOf([&] { w.SetEOLType(static_cast<EOLType>(2)); }), "Invalid EOL type.");
+  EXPECT_EQ(w.GetEOLType(), EOLTypeLF);
+
+  w.SetFormat(false);
+  w.WriteStartElement("a", "");
+  w.WriteString(std::string(4092, 'x'), ItemType_string);
+  EXPECT_EQ(stream.GetLength(), 4095u);
+  EXPECT_EQ(stream.flushes, 0);
+  w.CloseParentElm();
+  w.WriteRawElement("y");  // neither of these flushes
+  EXPECT_EQ(stream.flushes, 0);
+  w.WriteString("z", ItemType_string);
+  EXPECT_EQ(stream.flushes, 1);
+  EXPECT_EQ(ErrorOf([&] { w.Close(); }), "An Element has not been closed.");
+  w.WriteEndElement();
+  EXPECT_NO_THROW(w.Close());
+}
+
+TEST(XmlTextWriter, Utf16FileDocument) {
+  const std::string path = testing::TempDir() + "koxml_writer_utf16.xml";
+  CFileTextStream stream(path.c_str(), XmlEncoding_UTF16);
+  CXmlTextWriter w(stream);
+  w.Open();
+  w.SetEOLType(EOLTypeCRLF);
+  w.WriteStartDocument();
+  Element(w, "r", "");
+  w.Close();
+
+  std::ifstream in(path, std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  std::string expected = "\xFF\xFE";
+  for (char c : std::string("<?xml version=\"1.0\" encoding=\"UTF-16\"?>\r\n<r/>\r\n")) {
+    expected += c;
+    expected += '\0';
+  }
+  EXPECT_EQ(bytes, expected);
+  std::remove(path.c_str());
+}

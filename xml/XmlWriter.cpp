@@ -1,0 +1,167 @@
+#include "KoXmlLib10/XmlWriter.h"
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "KoXmlLib10/Exceptions.h"
+
+namespace KoXmlLib10 {
+
+using Context = CXmlWriter::CXmlWriterContext;
+
+// ---- CXmlWriterContext ------------------------------------------------------
+
+Context::CXmlWriterContext(const std::string& localName, const std::string& namespaceUri,
+                           CXmlWriterContext* parent)
+    : m_depth(parent ? parent->m_depth + 1 : 0),
+      m_namespaceUri(namespaceUri),
+      m_localName(localName),
+      m_parent(parent) {
+  if (!parent) {
+    // Without a parent there is nothing to inherit from.
+    m_namespaceMap = std::make_unique<NamespaceMap>();
+    m_inherits = false;
+    m_ownsMap = true;
+  }
+}
+
+Context::CXmlWriterContext(const std::string& localName, const std::string& namespaceUri,
+                           const std::string& defaultNamespace, const NamespaceMap* namespaceMap,
+                           CXmlWriterContext* parent)
+    : m_namespaceUri(namespaceUri),
+      m_localName(localName),
+      m_defaultNamespace(defaultNamespace),
+      m_namespaceMap(namespaceMap ? std::make_unique<NamespaceMap>(*namespaceMap)
+                                  : std::make_unique<NamespaceMap>()),
+      m_inherits(false),
+      m_ownsMap(true) {
+  // Adopt the parent last, so that a failed copy above cannot free it.
+  m_parent.reset(parent);
+}
+
+Context::~CXmlWriterContext() {
+  // Unlink the chain one context at a time: a deep document must not recurse.
+  std::unique_ptr<CXmlWriterContext> next = std::move(m_parent);
+  while (next) next.reset(next->DetachParent());
+}
+
+const Context* Context::Scope() const {
+  const CXmlWriterContext* scope = this;
+  while (scope->m_inherits && scope->m_parent) scope = scope->m_parent.get();
+  return scope;
+}
+
+CXmlWriter::NamespaceMap* Context::GetNamespaceMap() {
+  return const_cast<CXmlWriterContext*>(Scope())->m_namespaceMap.get();
+}
+
+const std::string& Context::GetDefaultNamespace() const { return Scope()->m_defaultNamespace; }
+
+void Context::TakeOwnCopyOfScope() {
+  m_namespaceMap = std::make_unique<NamespaceMap>(*GetNamespaceMap());
+  m_ownsMap = true;
+  m_inherits = false;
+}
+
+void Context::SetDefaultNamespace(const std::string& uri) {
+  if (m_inherits) TakeOwnCopyOfScope();
+  m_defaultNamespace = uri;
+}
+
+void Context::SetNamespaceMapValue(const std::string& uri, const std::string& prefix) {
+  if (m_inherits) {
+    std::string inheritedDefault = GetDefaultNamespace();
+    TakeOwnCopyOfScope();
+    m_defaultNamespace = std::move(inheritedDefault);
+  }
+  (*m_namespaceMap)[uri] = prefix;
+}
+
+std::string& Context::GetNamespaceMapValue(const std::string& uri) {
+  return (*GetNamespaceMap())[uri];
+}
+
+std::string& Context::GetNamespaceMapValue(const char* uri) {
+  return GetNamespaceMapValue(std::string(uri ? uri : ""));
+}
+
+// ---- CXmlWriter -------------------------------------------------------------
+
+CXmlWriter::CXmlWriter() { AddNamespace("xml", XML_NAMESPACE); }
+
+CXmlWriter::~CXmlWriter() {
+  while (m_current) PopContext();
+}
+
+void CXmlWriter::Open() {}
+
+void CXmlWriter::Close() {
+  if (m_current) throw CKoException("An Element has not been closed.");
+}
+
+void CXmlWriter::SetDefaultNamespace(const std::string& uri) {
+  if (m_current)
+    m_current->SetDefaultNamespace(uri);
+  else
+    m_rootDefaultNamespace = uri;
+}
+
+void CXmlWriter::AddNamespace(const std::string& prefix, const std::string& uri) {
+  if (m_current)
+    m_current->SetNamespaceMapValue(uri, prefix);
+  else
+    m_rootNamespaces[uri] = prefix;
+}
+
+std::string CXmlWriter::NsIntToString(int n) {
+  if (n < 0) throw CKoInvalidParamException(FormatString("Invalid prefix index [%d]", n));
+  // Names of 2 letters cover 26^2 indexes, then 26^3 names of 3 letters, ...
+  unsigned long long index = static_cast<unsigned long long>(n);
+  size_t length = 2;
+  for (unsigned long long count = 26 * 26; index >= count; count *= 26) {
+    index -= count;
+    ++length;
+  }
+  std::string name(length, 'A');
+  for (size_t i = length; i-- > 0; index /= 26) name[i] = static_cast<char>('A' + index % 26);
+  return name;
+}
+
+std::string CXmlWriter::GetUniquePrefix(const NamespaceMap& namespaceMap) {
+  std::vector<std::string_view> used;
+  used.reserve(namespaceMap.size());
+  for (const auto& entry : namespaceMap) used.emplace_back(entry.second);
+  std::sort(used.begin(), used.end());
+  // At most size() candidates can be taken, so the loop ends by size() + 1.
+  for (int n = 0;; ++n) {
+    std::string candidate = NsIntToString(n);
+    if (!std::binary_search(used.begin(), used.end(), std::string_view(candidate)))
+      return candidate;
+  }
+}
+
+Context* CXmlWriter::PushContext(const std::string& localName, const std::string& namespaceUri) {
+  std::unique_ptr<CXmlWriterContext> context;
+  if (m_current)
+    context = std::make_unique<CXmlWriterContext>(localName, namespaceUri, m_current.get());
+  else
+    context = std::make_unique<CXmlWriterContext>(localName, namespaceUri, m_rootDefaultNamespace,
+                                                  &m_rootNamespaces, nullptr);
+  m_current.release();  // now owned through the new context's parent link
+  m_current = std::move(context);
+  return m_current.get();
+}
+
+void CXmlWriter::PopContext() { m_current.reset(m_current->DetachParent()); }
+
+const std::string& CXmlWriter::PrefixInScope(const std::string& uri, bool& declared) {
+  NamespaceMap& scope = *m_current->GetNamespaceMap();
+  auto found = scope.find(uri);
+  declared = found == scope.end();
+  if (!declared) return found->second;
+  m_current->SetNamespaceMapValue(uri, GetUniquePrefix(scope));
+  return m_current->GetNamespaceMapValue(uri);
+}
+
+}  // namespace KoXmlLib10
