@@ -61,6 +61,8 @@ void CTextStream::Append(const char* text) { m_buffer.Append(text); }
 
 void CTextStream::Append(char c) { m_buffer.Append(c); }
 
+void CTextStream::Append(const char* text, unsigned long length) { m_buffer.Append(text, length); }
+
 const char* CTextStream::GetText() { return m_buffer.GetText(); }
 
 unsigned long CTextStream::GetLength() const { return m_buffer.GetLength(); }

@@ -1,6 +1,8 @@
 #include "KoXmlLib10/XmlTextWriter.h"
 
+#include <algorithm>
 #include <array>
+#include <cstring>
 #include <string_view>
 
 #include "KoXmlLib10/Exceptions.h"
@@ -10,7 +12,10 @@ namespace KoXmlLib10 {
 
 namespace {
 
-constexpr char kSchemaInstanceNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
+const std::string kSchemaInstanceNamespace = "http://www.w3.org/2001/XMLSchema-instance";
+const std::string kTypeAttribute = "type";
+const std::string kNilAttribute = "nil";
+const std::string kTrue = "true";
 constexpr std::string_view kCDataStart = "<![CDATA[";
 constexpr unsigned long kFlushThreshold = 4095;
 
@@ -43,8 +48,95 @@ const char* EndOfLineText(EOLType type) {
 
 }  // namespace
 
+// The markup of one writer operation. Operations append many short pieces, so
+// appending is kept inline and the storage is reused from call to call.
+class CXmlMarkupBuffer {
+ public:
+  void Put(char c) {
+    Reserve(1);
+    m_data[m_length++] = c;
+  }
+  void Put(std::string_view text) {
+    Reserve(text.size());
+    Copy(m_data.get() + m_length, text.data(), text.size());
+    m_length += text.size();
+  }
+  void Repeat(char c, size_t count) {
+    Reserve(count);
+    std::memset(m_data.get() + m_length, c, count);
+    m_length += count;
+  }
+  // " xmlns:prefix="uri"" without the leading space.
+  void Declaration(std::string_view prefix, std::string_view uri) {
+    Put("xmlns:");
+    Put(prefix);
+    Put("=\"");
+    Put(uri);
+    Put('"');
+  }
+  void Escape(const std::string& text, bool inAttribute, std::string_view endOfLine) {
+    const ActionTable& actions = inAttribute ? kAttributeActions : kTextActions;
+    const char* p = text.c_str();
+    for (;;) {
+      const char* run = p;
+      while (actions[static_cast<unsigned char>(*p)] == kCopy) ++p;
+      Put(std::string_view(run, static_cast<size_t>(p - run)));
+      switch (actions[static_cast<unsigned char>(*p)]) {
+        case kEnd: return;
+        case kLineFeed: Put(inAttribute ? std::string_view("&#xA;") : endOfLine); break;
+        case kQuote: Put("&quot;"); break;
+        case kAmp: Put("&amp;"); break;
+        case kLt: Put("&lt;"); break;
+        case kGt: Put("&gt;"); break;
+        case kDrop:
+        case kCopy: break;
+      }
+      ++p;
+    }
+  }
+
+  const char* Data() const { return m_data.get(); }
+  size_t Length() const { return m_length; }
+  void Clear() { m_length = 0; }
+
+ private:
+  // Most pieces are names and short values: copying them with two overlapping
+  // fixed-size moves is much cheaper than a call into the C library.
+  static void Copy(char* to, const char* from, size_t count) {
+    if (count >= 8 && count <= 16) {
+      std::memcpy(to, from, 8);
+      std::memcpy(to + count - 8, from + count - 8, 8);
+    } else if (count >= 4 && count < 8) {
+      std::memcpy(to, from, 4);
+      std::memcpy(to + count - 4, from + count - 4, 4);
+    } else if (count < 4) {
+      for (size_t i = 0; i < count; ++i) to[i] = from[i];
+    } else {
+      std::memcpy(to, from, count);
+    }
+  }
+  void Reserve(size_t count) {
+    if (m_capacity - m_length < count) Grow(m_length + count);
+  }
+  void Grow(size_t needed) {
+    const size_t capacity = std::max<size_t>({needed, 2 * m_capacity, 256});
+    std::unique_ptr<char[]> data(new char[capacity]);
+    if (m_length) std::memcpy(data.get(), m_data.get(), m_length);
+    m_data = std::move(data);
+    m_capacity = capacity;
+  }
+
+  std::unique_ptr<char[]> m_data;
+  size_t m_length = 0;
+  size_t m_capacity = 0;
+};
+
 CXmlTextWriter::CXmlTextWriter(CTextStream& stream)
-    : m_eol("\n"), m_eolType(EOLTypeLF), m_format(true), m_stream(stream) {}
+    : m_eol("\n"),
+      m_eolType(EOLTypeLF),
+      m_format(true),
+      m_stream(stream),
+      m_markup(std::make_unique<CXmlMarkupBuffer>()) {}
 
 CXmlTextWriter::~CXmlTextWriter() = default;
 
@@ -70,14 +162,12 @@ void CXmlTextWriter::Close() {
 }
 
 void CXmlTextWriter::Commit(bool applyFlushRule) {
-  m_stream.Append(m_pending);
-  m_pending.clear();
+  if (m_markup->Length()) {
+    m_stream.Append(m_markup->Data(), m_markup->Length());
+    m_markup->Clear();
+  }
   if (applyFlushRule && m_stream.GetLength() > kFlushThreshold) m_stream.Flush();
 }
-
-void CXmlTextWriter::EndLine() { m_pending += m_eol; }
-
-void CXmlTextWriter::Indent(unsigned int depth) { m_pending.append(depth, '\t'); }
 
 void CXmlTextWriter::RequireOpenStartTag() const {
   const CXmlWriterContext* current = GetCurrentContext();
@@ -85,139 +175,119 @@ void CXmlTextWriter::RequireOpenStartTag() const {
     throw CKoException("Attributes must be added before elements");
 }
 
-void CXmlTextWriter::WriteDeclaration(const std::string& prefix, const std::string& uri) {
-  m_pending += "xmlns:";
-  m_pending += prefix;
-  m_pending += "=\"";
-  m_pending += uri;
-  m_pending += '"';
-}
-
 void CXmlTextWriter::PadAndAppend(const std::string& text, bool inAttribute) {
-  const ActionTable& actions = inAttribute ? kAttributeActions : kTextActions;
-  const char* p = text.c_str();
-  for (;;) {
-    const char* run = p;
-    while (actions[static_cast<unsigned char>(*p)] == kCopy) ++p;
-    m_pending.append(run, static_cast<size_t>(p - run));
-    switch (actions[static_cast<unsigned char>(*p)]) {
-      case kEnd: return;
-      case kLineFeed: m_pending += inAttribute ? "&#xA;" : m_eol.c_str(); break;
-      case kDrop: break;
-      case kQuote: m_pending += "&quot;"; break;
-      case kAmp: m_pending += "&amp;"; break;
-      case kLt: m_pending += "&lt;"; break;
-      case kGt: m_pending += "&gt;"; break;
-      case kCopy: break;
-    }
-    ++p;
-  }
+  m_markup->Escape(text, inAttribute, m_eol);
 }
 
 void CXmlTextWriter::WriteStartDocument() {
-  m_pending += "<?xml version=\"1.0\"";
+  m_markup->Put("<?xml version=\"1.0\"");
   if (m_stream.GetEncoding() == XmlEncoding_UTF8)
-    m_pending += " encoding=\"UTF-8\"";
+    m_markup->Put(" encoding=\"UTF-8\"");
   else if (m_stream.GetEncoding() == XmlEncoding_UTF16)
-    m_pending += " encoding=\"UTF-16\"";
-  m_pending += "?>";
-  EndLine();
+    m_markup->Put(" encoding=\"UTF-16\"");
+  m_markup->Put("?>");
+  m_markup->Put(m_eol);
   Commit(true);
 }
 
 void CXmlTextWriter::WriteHeaderDirective(const std::string& text) {
   if (GetCurrentContext())
     throw CKoException("Headed directives must appear before an Element has been added.");
-  m_pending += text;
-  EndLine();
+  m_markup->Put(text);
+  m_markup->Put(m_eol);
   Commit(true);
 }
 
 void CXmlTextWriter::WriteComment(const std::string& text) {
-  m_pending += "<!--";
+  m_markup->Put("<!--");
   PadAndAppend(text, false);
-  m_pending += "-->";
-  EndLine();
+  m_markup->Put("-->");
+  m_markup->Put(m_eol);
   Commit(true);
 }
 
 void CXmlTextWriter::WritePI(const std::string& text) {
-  m_pending += text;
-  EndLine();
-  EndLine();
+  m_markup->Put(text);
+  m_markup->Put(m_eol);
+  m_markup->Put(m_eol);
   Commit(true);
 }
 
 void CXmlTextWriter::WriteInlineSchema(const std::string& text) {
   // The schema becomes the first child: writing it inside the open start tag
   // would not be well-formed.
-  CloseParentElm();
-  m_pending += ' ';
-  EndLine();
-  m_pending += text;
-  EndLine();
+  CloseStartTagForChild();
+  m_markup->Put(' ');
+  m_markup->Put(m_eol);
+  m_markup->Put(text);
+  m_markup->Put(m_eol);
   Commit(true);
 }
 
-void CXmlTextWriter::CloseParentElm() {
+void CXmlTextWriter::CloseStartTagForChild() {
   CXmlWriterContext* parent = GetCurrentContext();
   if (!parent) return;
   parent->SetChildCount(parent->GetChildCount() + 1);
   if (parent->GetStartTagOpen()) {
-    m_pending += '>';
+    m_markup->Put('>');
     parent->SetStartTagOpen(false);
-    if (m_format) EndLine();
+    if (m_format) m_markup->Put(m_eol);
   }
+}
+
+void CXmlTextWriter::CloseParentElm() {
+  CloseStartTagForChild();
   Commit(false);
 }
 
 void CXmlTextWriter::WriteRawElement(const std::string& text) {
-  m_pending += text;
-  if (m_format) EndLine();
+  m_markup->Put(text);
+  if (m_format) m_markup->Put(m_eol);
   Commit(false);
 }
 
 void CXmlTextWriter::WriteStartElement(const std::string& localName,
                                        const std::string& namespaceUri) {
-  CloseParentElm();
+  CloseStartTagForChild();
   CXmlWriterContext* element = PushContext(localName, namespaceUri);
   const bool outermost = element->GetDepth() == 0;
-  if (m_format) Indent(element->GetDepth());
-  m_pending += '<';
+  CXmlMarkupBuffer& out = *m_markup;
+  if (m_format) out.Repeat('\t', element->GetDepth());
+  out.Put('<');
 
   if (namespaceUri.empty()) {
-    m_pending += localName;
+    out.Put(localName);
     // Otherwise the element would read back in the inherited default namespace.
     if (!element->GetDefaultNamespace().empty()) {
-      m_pending += " xmlns=\"\"";
+      out.Put(" xmlns=\"\"");
       element->SetDefaultNamespace(std::string());
     }
   } else if (namespaceUri == element->GetDefaultNamespace()) {
-    m_pending += localName;
+    out.Put(localName);
   } else {
     bool declared = false;
     const std::string& prefix = PrefixInScope(namespaceUri, declared);
-    m_pending += prefix;
-    m_pending += ':';
-    m_pending += localName;
+    out.Put(prefix);
+    out.Put(':');
+    out.Put(localName);
     if (declared) {
-      m_pending += ' ';
-      WriteDeclaration(prefix, namespaceUri);
+      out.Put(' ');
+      out.Declaration(prefix, namespaceUri);
     }
   }
 
   if (outermost) {
     const std::string& defaultNamespace = element->GetDefaultNamespace();
     if (!defaultNamespace.empty()) {
-      m_pending += " xmlns=\"";
-      m_pending += defaultNamespace;
-      m_pending += '"';
+      out.Put(" xmlns=\"");
+      out.Put(defaultNamespace);
+      out.Put('"');
     }
     const std::string_view xmlNamespace = XML_NAMESPACE;
     for (const auto& [uri, prefix] : GetRootNamespaceMap()) {
       if (std::string_view(uri).substr(0, xmlNamespace.size()) == xmlNamespace) continue;
-      m_pending += ' ';
-      WriteDeclaration(prefix, uri);
+      out.Put(' ');
+      out.Declaration(prefix, uri);
     }
   }
   Commit(true);
@@ -227,11 +297,11 @@ void CXmlTextWriter::WriteString(const std::string& text, ItemType) {
   if (text.empty()) return;
   CXmlWriterContext* element = GetCurrentContext();
   if (element && element->GetStartTagOpen()) {
-    m_pending += '>';
+    m_markup->Put('>');
     element->SetStartTagOpen(false);
   }
-  if (text.compare(0, kCDataStart.size(), kCDataStart) == 0)
-    m_pending += text;
+  if (text[0] == '<' && text.compare(0, kCDataStart.size(), kCDataStart) == 0)
+    m_markup->Put(text);
   else
     PadAndAppend(text, false);
   Commit(true);
@@ -239,20 +309,21 @@ void CXmlTextWriter::WriteString(const std::string& text, ItemType) {
 
 void CXmlTextWriter::WriteEndElement() {
   CXmlWriterContext* element = GetCurrentContext();
+  CXmlMarkupBuffer& out = *m_markup;
   if (element->GetStartTagOpen()) {
-    m_pending += "/>";
+    out.Put("/>");
   } else {
-    if (m_format && element->GetChildCount() > 0) Indent(element->GetDepth());
-    m_pending += "</";
+    if (m_format && element->GetChildCount() > 0) out.Repeat('\t', element->GetDepth());
+    out.Put("</");
     const std::string& namespaceUri = element->GetNamespaceUri();
     if (!namespaceUri.empty() && namespaceUri != element->GetDefaultNamespace()) {
-      m_pending += element->GetNamespaceMapValue(namespaceUri);
-      m_pending += ':';
+      out.Put(element->GetNamespaceMapValue(namespaceUri));
+      out.Put(':');
     }
-    m_pending += element->GetLocalName();
-    m_pending += '>';
+    out.Put(element->GetLocalName());
+    out.Put('>');
   }
-  if (m_format) EndLine();
+  if (m_format) out.Put(m_eol);
   Commit(true);
   PopContext();
 }
@@ -261,47 +332,46 @@ void CXmlTextWriter::WriteAttributeString(const std::string& localName,
                                           const std::string& namespaceUri,
                                           const std::string& value, ItemType) {
   RequireOpenStartTag();
-  m_pending += ' ';
+  CXmlMarkupBuffer& out = *m_markup;
+  out.Put(' ');
   if (!namespaceUri.empty()) {
     // An attribute without a prefix is in no namespace, whatever the default.
     bool declared = false;
     const std::string& prefix = PrefixInScope(namespaceUri, declared);
     if (declared) {
-      WriteDeclaration(prefix, namespaceUri);
-      m_pending += ' ';
+      out.Declaration(prefix, namespaceUri);
+      out.Put(' ');
     }
-    m_pending += prefix;
-    m_pending += ':';
+    out.Put(prefix);
+    out.Put(':');
   }
-  m_pending += localName;
-  m_pending += "=\"";
+  out.Put(localName);
+  out.Put("=\"");
   PadAndAppend(value, true);
-  m_pending += '"';
+  out.Put('"');
   Commit(true);
 }
 
 void CXmlTextWriter::WriteAttributeType(const std::string& typeNamespaceUri,
                                         const std::string& typeName, ItemType type) {
   RequireOpenStartTag();
-  std::string value;
   if (typeNamespaceUri.empty() || typeNamespaceUri == GetCurrentContext()->GetDefaultNamespace()) {
-    value = typeName;
-  } else {
-    bool declared = false;
-    const std::string& prefix = PrefixInScope(typeNamespaceUri, declared);
-    if (declared) {
-      m_pending += ' ';
-      WriteDeclaration(prefix, typeNamespaceUri);
-      m_pending += ' ';
-    }
-    value = prefix + ":" + typeName;
+    WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, typeName, type);
+    return;
   }
-  WriteAttributeString("type", kSchemaInstanceNamespace, value, type);
+  bool declared = false;
+  const std::string& prefix = PrefixInScope(typeNamespaceUri, declared);
+  if (declared) {
+    m_markup->Put(' ');
+    m_markup->Declaration(prefix, typeNamespaceUri);
+    m_markup->Put(' ');
+  }
+  WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, prefix + ":" + typeName, type);
 }
 
 void CXmlTextWriter::WriteAttributeNil() {
   RequireOpenStartTag();
-  WriteAttributeString("nil", kSchemaInstanceNamespace, "true", ItemType_boolean);
+  WriteAttributeString(kNilAttribute, kSchemaInstanceNamespace, kTrue, ItemType_boolean);
 }
 
 }  // namespace KoXmlLib10

@@ -46,22 +46,25 @@ Context::~CXmlWriterContext() {
   while (next) next.reset(next->DetachParent());
 }
 
-const Context* Context::Scope() const {
-  const CXmlWriterContext* scope = this;
-  while (scope->m_inherits && scope->m_parent) scope = scope->m_parent.get();
-  return scope;
-}
-
-CXmlWriter::NamespaceMap* Context::GetNamespaceMap() {
-  return const_cast<CXmlWriterContext*>(Scope())->m_namespaceMap.get();
-}
-
-const std::string& Context::GetDefaultNamespace() const { return Scope()->m_defaultNamespace; }
-
 void Context::TakeOwnCopyOfScope() {
   m_namespaceMap = std::make_unique<NamespaceMap>(*GetNamespaceMap());
   m_ownsMap = true;
   m_inherits = false;
+}
+
+void Context::Reuse(const std::string& localName, const std::string& namespaceUri,
+                    CXmlWriterContext* parent) {
+  m_childCount = 0;
+  m_startTagOpen = true;
+  m_depth = parent->m_depth + 1;
+  m_namespaceUri = namespaceUri;
+  m_localName = localName;
+  m_attributesWritten = false;
+  m_defaultNamespace.clear();
+  m_namespaceMap.reset();
+  m_inherits = true;
+  m_ownsMap = false;
+  m_parent.reset(parent);
 }
 
 void Context::SetDefaultNamespace(const std::string& uri) {
@@ -143,17 +146,31 @@ std::string CXmlWriter::GetUniquePrefix(const NamespaceMap& namespaceMap) {
 
 Context* CXmlWriter::PushContext(const std::string& localName, const std::string& namespaceUri) {
   std::unique_ptr<CXmlWriterContext> context;
-  if (m_current)
-    context = std::make_unique<CXmlWriterContext>(localName, namespaceUri, m_current.get());
-  else
+  if (!m_current) {
     context = std::make_unique<CXmlWriterContext>(localName, namespaceUri, m_rootDefaultNamespace,
                                                   &m_rootNamespaces, nullptr);
+  } else if (m_spareContexts.empty()) {
+    context = std::make_unique<CXmlWriterContext>(localName, namespaceUri, m_current.get());
+  } else {
+    context = std::move(m_spareContexts.back());
+    m_spareContexts.pop_back();
+    try {
+      context->Reuse(localName, namespaceUri, m_current.get());
+    } catch (...) {
+      m_spareContexts.push_back(std::move(context));
+      throw;
+    }
+  }
   m_current.release();  // now owned through the new context's parent link
   m_current = std::move(context);
   return m_current.get();
 }
 
-void CXmlWriter::PopContext() { m_current.reset(m_current->DetachParent()); }
+void CXmlWriter::PopContext() {
+  std::unique_ptr<CXmlWriterContext> popped(m_current.release());
+  m_current.reset(popped->DetachParent());
+  if (m_current) m_spareContexts.push_back(std::move(popped));
+}
 
 const std::string& CXmlWriter::PrefixInScope(const std::string& uri, bool& declared) {
   NamespaceMap& scope = *m_current->GetNamespaceMap();

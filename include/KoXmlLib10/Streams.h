@@ -35,6 +35,7 @@ class KOXML_API CTextStream {
   void Append(const std::string& text);
   void Append(const char* text);
   void Append(char c);
+  void Append(const char* text, unsigned long length);
 
   const char* GetText();
   unsigned long GetLength() const;

@@ -2,6 +2,7 @@
 #define KOXMLLIB10_XMLTEXTWRITER_H
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "KoXmlLib10/Export.h"
@@ -10,6 +11,7 @@
 namespace KoXmlLib10 {
 
 class CTextStream;
+class CXmlMarkupBuffer;
 
 // The line ends of written XML text.
 enum EOLType : int32_t {
@@ -53,9 +55,7 @@ class KOXML_API CXmlTextWriter : public CXmlWriter {
  private:
   void PadAndAppend(const std::string& text, bool inAttribute);
   void RequireOpenStartTag() const;
-  void Indent(unsigned int depth);
-  void EndLine();
-  void WriteDeclaration(const std::string& prefix, const std::string& uri);
+  void CloseStartTagForChild();
   // Hands the markup of one operation to the stream, flushing a full stream if asked.
   void Commit(bool applyFlushRule);
 
@@ -63,8 +63,8 @@ class KOXML_API CXmlTextWriter : public CXmlWriter {
   EOLType m_eolType;
   bool m_format;
   CTextStream& m_stream;
-  // Markup of the operation in progress; kept to reuse its capacity.
-  std::string m_pending;
+  // Markup of the operation in progress; kept to reuse its storage.
+  std::unique_ptr<CXmlMarkupBuffer> m_markup;
 };
 
 }  // namespace KoXmlLib10

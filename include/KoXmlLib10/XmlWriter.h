@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "KoXmlLib10/Export.h"
 #include "KoXmlLib10/ItemType.h"
@@ -35,8 +36,8 @@ class KOXML_API CXmlWriter {
     CXmlWriterContext(const CXmlWriterContext&) = delete;
     CXmlWriterContext& operator=(const CXmlWriterContext&) = delete;
 
-    NamespaceMap* GetNamespaceMap();
-    const std::string& GetDefaultNamespace() const;
+    NamespaceMap* GetNamespaceMap() { return Scope()->m_namespaceMap.get(); }
+    const std::string& GetDefaultNamespace() const { return Scope()->m_defaultNamespace; }
     void SetDefaultNamespace(const std::string& uri);
     void SetNamespaceMapValue(const std::string& uri, const std::string& prefix);
     // The prefix of `uri` in the effective map; an absent URI gets an empty entry.
@@ -59,8 +60,21 @@ class KOXML_API CXmlWriter {
     bool GetOwnsMap() const { return m_ownsMap; }
 
    private:
-    const CXmlWriterContext* Scope() const;
+    friend class CXmlWriter;
+
+    // The nearest context, from this one up, that has namespace data of its own.
+    const CXmlWriterContext* Scope() const {
+      const CXmlWriterContext* scope = this;
+      while (scope->m_inherits && scope->m_parent) scope = scope->m_parent.get();
+      return scope;
+    }
+    CXmlWriterContext* Scope() {
+      return const_cast<CXmlWriterContext*>(static_cast<const CXmlWriterContext*>(this)->Scope());
+    }
     void TakeOwnCopyOfScope();
+    // Turns a popped context into a fresh nested one, reusing its storage.
+    void Reuse(const std::string& localName, const std::string& namespaceUri,
+               CXmlWriterContext* parent);
 
     unsigned int m_childCount = 0;
     bool m_startTagOpen = true;
@@ -120,6 +134,9 @@ class KOXML_API CXmlWriter {
   std::string m_rootDefaultNamespace;
   std::unique_ptr<CXmlWriterContext> m_current;
   NamespaceMap m_rootNamespaces;
+  // Popped contexts kept for reuse: a context per element is the common case,
+  // and reusing them spares an allocation for it and its strings.
+  std::vector<std::unique_ptr<CXmlWriterContext>> m_spareContexts;
 };
 
 }  // namespace KoXmlLib10
