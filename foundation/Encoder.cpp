@@ -80,7 +80,16 @@ std::vector<wchar_t> LocalToWide(const char* s) {
     return wide;
   }
   std::mbstate_t state{};
+  bool initialState = true;
   for (size_t i = 0; i < n;) {
+    // Mixed text is mostly ASCII: its bytes skip the locale call as long as
+    // no shift state is pending.
+    const unsigned char byte = static_cast<unsigned char>(s[i]);
+    if (byte < 0x80 && initialState) {
+      wide.push_back(byte);
+      ++i;
+      continue;
+    }
     wchar_t c = 0;
     size_t r = std::mbrtowc(&c, s + i, n - i, &state);
     if (r == 0) {
@@ -91,6 +100,7 @@ std::vector<wchar_t> LocalToWide(const char* s) {
       r = 1;
       state = std::mbstate_t{};
     }
+    initialState = std::mbsinit(&state) != 0;
     wide.push_back(c);
     i += r;
   }

@@ -37,12 +37,12 @@ void CStringBuffer::Append(char c) {
 }
 
 void CStringBuffer::Append(const char* s) {
-  if (s) AppendBytes(s, std::strlen(s));
+  if (s) Append(s, std::strlen(s));
 }
 
-void CStringBuffer::Append(const std::string& s) { AppendBytes(s.data(), s.size()); }
+void CStringBuffer::Append(const std::string& s) { Append(s.data(), s.size()); }
 
-void CStringBuffer::AppendBytes(const char* s, unsigned long n) {
+void CStringBuffer::Append(const char* s, unsigned long n) {
   m_length += n;
   while (n > 0) {
     if (m_used == m_capacity) AddNewBlock();

@@ -23,6 +23,8 @@ class KOXML_API CStringBuffer {
   void Append(char c);
   void Append(const char* s);
   void Append(const std::string& s);
+  // The first `length` bytes of `s`, which need not be NUL-terminated.
+  void Append(const char* s, unsigned long length);
   void SetText(const char* s);
   char* GetText();
   unsigned long GetLength() const;
@@ -33,8 +35,6 @@ class KOXML_API CStringBuffer {
   void AddNewBlock();
 
  private:
-  void AppendBytes(const char* s, unsigned long n);
-
   std::vector<char*> m_blocks;
   std::vector<unsigned long> m_blockSizes;
   unsigned long m_blockSize;
