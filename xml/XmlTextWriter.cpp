@@ -309,6 +309,7 @@ void CXmlTextWriter::WriteString(const std::string& text, ItemType) {
 
 void CXmlTextWriter::WriteEndElement() {
   CXmlWriterContext* element = GetCurrentContext();
+  if (!element) throw CKoException("There is no open Element to end.");
   CXmlMarkupBuffer& out = *m_markup;
   if (element->GetStartTagOpen()) {
     out.Put("/>");

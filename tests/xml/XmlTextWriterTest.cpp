@@ -237,6 +237,7 @@ TEST(XmlTextWriter, SettingsFlushAndClose) {
   EXPECT_EQ(ErrorOf([&] { w.Close(); }), "An Element has not been closed.");
   w.WriteEndElement();
   EXPECT_NO_THROW(w.Close());
+  EXPECT_EQ(ErrorOf([&] { w.WriteEndElement(); }), "There is no open Element to end.");
 }
 
 TEST(XmlTextWriter, Utf16FileDocument) {
