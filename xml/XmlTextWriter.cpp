@@ -52,6 +52,8 @@ const char* EndOfLineText(EOLType type) {
 // appending is kept inline and the storage is reused from call to call.
 class CXmlMarkupBuffer {
  public:
+  CXmlMarkupBuffer() { Grow(256); }  // never without storage, even for empty pieces
+
   void Put(char c) {
     Reserve(1);
     m_data[m_length++] = c;
@@ -119,7 +121,7 @@ class CXmlMarkupBuffer {
     if (m_capacity - m_length < count) Grow(m_length + count);
   }
   void Grow(size_t needed) {
-    const size_t capacity = std::max<size_t>({needed, 2 * m_capacity, 256});
+    const size_t capacity = std::max(needed, 2 * m_capacity);
     std::unique_ptr<char[]> data(new char[capacity]);
     if (m_length) std::memcpy(data.get(), m_data.get(), m_length);
     m_data = std::move(data);
