@@ -21,5 +21,6 @@
 #include "KoXmlLib10/Streams.h"
 #include "KoXmlLib10/XmlWriter.h"
 #include "KoXmlLib10/XmlTextWriter.h"
+#include "KoXmlLib10/Conversions.h"
 
 #endif
