@@ -15,17 +15,11 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-Bytes BytesOf(const CBinaryData& data) {
-  return Bytes(data.GetData(), data.GetData() + data.GetLength());
-}
+Bytes BytesOf(const CBinaryData& data) { return Bytes(data.GetData(), data.GetData() + data.GetLength()); }
 
 Bytes FileBytes(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-std::string TempPath(const char* name) {
-  return (testing::TempDir() + "koxml_streams_") + name;
 }
 
 std::string ErrorOf(const std::function<void()>& call) {
@@ -37,16 +31,6 @@ std::string ErrorOf(const std::function<void()>& call) {
   return "no exception";
 }
 
-// Switches the local code page to UTF-8 for one test.
-class Utf8Locale {
- public:
-  Utf8Locale() : m_saved(setlocale(LC_CTYPE, nullptr)) { setlocale(LC_CTYPE, "C.UTF-8"); }
-  ~Utf8Locale() { setlocale(LC_CTYPE, m_saved.c_str()); }
-
- private:
-  std::string m_saved;
-};
-
 }  // namespace
 
 TEST(Streams, MemoryTextStreamEncodings) {
@@ -54,7 +38,6 @@ TEST(Streams, MemoryTextStreamEncodings) {
   utf8.Append('a');
   utf8.Append("<");
   utf8.Append(std::string("b"));
-  EXPECT_EQ(utf8.GetLength(), 3u);
   EXPECT_EQ(BytesOf(utf8.GetEncodedStream()), (Bytes{0x61, 0x3C, 0x62}));
   utf8.Open();
   EXPECT_STREQ(utf8.GetText(), "");
@@ -64,15 +47,16 @@ TEST(Streams, MemoryTextStreamEncodings) {
   EXPECT_EQ(ErrorOf([&] { none.GetEncodedStream(); }),
             "Unknown Encoding, select UTF-8 (contact support@tesselbind.example for support)");
 
-  Utf8Locale locale;
+  const std::string saved = setlocale(LC_CTYPE, nullptr);
+  setlocale(LC_CTYPE, "C.UTF-8");
   CTextStream utf16(XmlEncoding_UTF16NoDecl);
   utf16.Append("a\xC3\xA9\xF0\x9F\x98\x80");  // a, e-acute, and a character beyond the BMP
-  EXPECT_EQ(BytesOf(utf16.GetEncodedStream()),
-            (Bytes{0x61, 0x00, 0xE9, 0x00, 0x3D, 0xD8, 0x00, 0xDE}));
+  EXPECT_EQ(BytesOf(utf16.GetEncodedStream()), (Bytes{0x61, 0x00, 0xE9, 0x00, 0x3D, 0xD8, 0x00, 0xDE}));
+  setlocale(LC_CTYPE, saved.c_str());
 }
 
-TEST(Streams, FileTextStreamWritesAsItFlushes) {
-  const std::string path = TempPath("text16.xml");
+TEST(Streams, FileTextStreams) {
+  const std::string path = testing::TempDir() + "koxml_streams.xml";
   {
     CFileTextStream stream(path.c_str(), XmlEncoding_UTF16);
     stream.Open();
@@ -83,7 +67,6 @@ TEST(Streams, FileTextStreamWritesAsItFlushes) {
     stream.Close();
   }
   EXPECT_EQ(FileBytes(path), (Bytes{0xFF, 0xFE, 'a', 0, 'b', 0, 'c', 0}));
-
   {
     CFileTextStream stream(path.c_str(), XmlEncoding_UTF8);
     stream.Open();
@@ -93,15 +76,10 @@ TEST(Streams, FileTextStreamWritesAsItFlushes) {
   }  // destroyed open: the buffered tail is dropped
   EXPECT_EQ(FileBytes(path).size(), 5000u);
   std::remove(path.c_str());
-}
 
-TEST(Streams, FileErrors) {
   const std::string missing = "/nonexistent-dir/out.xml";
-  CFileTextStream text(missing.c_str(), XmlEncoding_UTF8);
-  EXPECT_EQ(ErrorOf([&] { text.Open(); }), "Failed to write data to the file [" + missing + "]");
-  CFileBinaryStream binary(missing.c_str(), XmlEncoding_None);
-  EXPECT_EQ(ErrorOf([&] { binary.ToFile(); }), "Failed to write data to the file [" + missing + "]");
-
+  CFileTextStream unopenable(missing.c_str(), XmlEncoding_UTF8);
+  EXPECT_EQ(ErrorOf([&] { unopenable.Open(); }), "Failed to write data to the file [" + missing + "]");
   // /dev/full accepts the open and fails every write that reaches it.
   CFileTextStream big("/dev/full", XmlEncoding_UTF8);
   big.Open();
@@ -111,8 +89,6 @@ TEST(Streams, FileErrors) {
   small.Open();
   small.Append("x");
   EXPECT_EQ(ErrorOf([&] { small.Close(); }), "Failed to write data to the file");
-  CFileBinaryStream full("/dev/full", XmlEncoding_UTF16);
-  EXPECT_EQ(ErrorOf([&] { full.ToFile(); }), "Failed to write data to the file [/dev/full]");
 }
 
 TEST(Streams, BinaryStreams) {
@@ -127,16 +103,16 @@ TEST(Streams, BinaryStreams) {
   EXPECT_EQ(BytesOf(two.GetBinaryStream()), (Bytes{'a', 'b'}));
   EXPECT_EQ(BytesOf(shared), (Bytes{'a', 'b'}));
 
-  const std::string path = TempPath("binary.bin");
+  const std::string path = testing::TempDir() + "koxml_streams.bin";
   CBinaryData raw(more, 2, false);
-  CFileBinaryStream plain(path.c_str(), XmlEncoding_None, raw);
-  plain.ToFile();
+  CFileBinaryStream(path.c_str(), XmlEncoding_None, raw).ToFile();
   EXPECT_EQ(FileBytes(path), (Bytes{'c', 'd'}));
-  CFileBinaryStream marked(path.c_str(), XmlEncoding_UTF16, raw);
-  marked.ToFile();
+  CFileBinaryStream(path.c_str(), XmlEncoding_UTF16, raw).ToFile();
   EXPECT_EQ(FileBytes(path), (Bytes{0xFF, 0xFE, 'c', 'd'}));
-  CFileBinaryStream empty(path.c_str(), XmlEncoding_UTF8);
-  empty.ToFile();
-  EXPECT_EQ(FileBytes(path).size(), 0u);
   std::remove(path.c_str());
+
+  CFileBinaryStream unopenable("/nonexistent-dir/out.bin", XmlEncoding_None);
+  EXPECT_EQ(ErrorOf([&] { unopenable.ToFile(); }), "Failed to write data to the file [/nonexistent-dir/out.bin]");
+  CFileBinaryStream full("/dev/full", XmlEncoding_UTF16);
+  EXPECT_EQ(ErrorOf([&] { full.ToFile(); }), "Failed to write data to the file [/dev/full]");
 }
