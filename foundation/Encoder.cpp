@@ -107,6 +107,13 @@ std::vector<wchar_t> LocalToWide(const char* s) {
   return wide;
 }
 
+// The locale decodes the UTF-8 bytes of U+20AC as that one character.
+bool LocaleIsUtf8() {
+  std::mbstate_t state{};
+  wchar_t c = 0;
+  return std::mbrtowc(&c, "\xE2\x82\xAC", 3, &state) == 3 && c == 0x20AC;
+}
+
 CBinaryData BytesOf(const char* s) {
   const size_t n = s ? std::strlen(s) : 0;
   if (n == 0) return CBinaryData();
@@ -144,9 +151,12 @@ CBinaryData CEncoder::UnicodeToUtf8Binary(const wchar_t* s) {
 
 CBinaryData CEncoder::LocalCodePageToUtf8Binary(const char* s) {
   const size_t n = s ? std::strlen(s) : 0;
-  if (ASCII_ONLY ||
-      !DoesUTF8StrContainAnyCharsLargerThanOneByte(reinterpret_cast<unsigned char*>(const_cast<char*>(s)), n))
+  const unsigned char* bytes = reinterpret_cast<const unsigned char*>(s);
+  if (ASCII_ONLY || !DoesUTF8StrContainAnyCharsLargerThanOneByte(const_cast<unsigned char*>(bytes), n))
     return BytesOf(s);
+  // In a UTF-8 locale, well-formed UTF-8 decodes and re-encodes to itself;
+  // only ill-formed text needs the character-by-character conversion.
+  if (LocaleIsUtf8() && ConvertUTF8toUTF32(bytes, bytes + n, nullptr, nullptr) != 0) return BytesOf(s);
   const std::vector<wchar_t> wide = LocalToWide(s);
   return WideToUtf8Binary(wide.data(), wide.size());
 }
