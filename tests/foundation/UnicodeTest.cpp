@@ -174,6 +174,9 @@ TEST(Encoder, Utf8LocaleRoundTrip) {
   using KoXmlLib10::CEncoder;
   EXPECT_EQ(CEncoder::Utf8ToLocalCodePage("gr\xC3\xBC\xC3\x9F \xF0\x9F\x98\x80"), "gr\xC3\xBC\xC3\x9F \xF0\x9F\x98\x80");
   EXPECT_EQ(CEncoder::LocalCodePageToUtf8Binary("\xE2\x82\xAC\xFF"), KoXmlLib10::CBinaryData("\xE2\x82\xAC?"));
+  EXPECT_EQ(CEncoder::LocalCodePageToUtf8Binary("a\xE2\x82\xAC\xF0\x9F\x98\x80"),
+            KoXmlLib10::CBinaryData("a\xE2\x82\xAC\xF0\x9F\x98\x80"));
+  EXPECT_EQ(CEncoder::LocalCodePageToUtf8Binary("\xED\xA0\x80"), KoXmlLib10::CBinaryData("???"));  // a surrogate
   EXPECT_EQ(KoXmlLib10::UnicodeToMultiByte(L"\u20AC"), "\xE2\x82\xAC");
   std::setlocale(LC_CTYPE, saved.c_str());
 }
