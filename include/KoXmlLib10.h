@@ -22,5 +22,6 @@
 #include "KoXmlLib10/XmlWriter.h"
 #include "KoXmlLib10/XmlTextWriter.h"
 #include "KoXmlLib10/Conversions.h"
+#include "KoXmlLib10/XmlDocument.h"
 
 #endif

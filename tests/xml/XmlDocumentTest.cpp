@@ -1,0 +1,233 @@
+#include <gtest/gtest.h>
+
+#include <KoXmlLib10.h>
+
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+using namespace KoXmlLib10;
+
+namespace {
+
+unsigned char* Bytes(const std::string& s) { return reinterpret_cast<unsigned char*>(const_cast<char*>(s.data())); }
+
+// Message of the CKoException that `load` throws ("" when it throws none).
+std::string FailureOf(const std::function<void()>& load) {
+  try {
+    load();
+  } catch (const CKoException& e) {
+    return e.GetMessage();
+  }
+  return "";
+}
+
+std::vector<std::string> ChildNames(const CXmlElement* parent) {
+  std::vector<std::string> names;
+  for (const CXmlElement* e = parent->GetFirstElement(); e; e = e->GetNextSiblingElement())
+    names.push_back(e->GetLocalName());
+  return names;
+}
+
+std::string TempPath(const char* name) { return ::testing::TempDir() + name; }
+
+void WriteFile(const std::string& path, const std::string& content) {
+  FILE* f = std::fopen(path.c_str(), "wb");
+  ASSERT_NE(f, nullptr);
+  std::fwrite(content.data(), 1, content.size(), f);
+  std::fclose(f);
+}
+
+std::string Nested(size_t depth) {
+  std::string xml;
+  for (size_t i = 0; i < depth; ++i) xml += "<a>";
+  for (size_t i = 0; i < depth; ++i) xml += "</a>";
+  return xml;
+}
+
+}  // namespace
+
+TEST(XmlDocument, NamespacesAndAttributes) {
+  CXmlDocument doc;
+  doc.LoadXml(
+      "<a xmlns=\"urn:x\"><b/><p:c xmlns:p=\"urn:p\" p:x=\"1\" y=\"2\" z=\"3\"/>"
+      "<d xmlns:q=\"urn:q1\"/><e xmlns:q=\"urn:q2\"/></a>");
+  const CXmlElement* a = doc.GetDocumentElement();
+  ASSERT_NE(a, nullptr);
+  EXPECT_EQ(a->GetNamespaceURI(), "urn:x");
+  EXPECT_TRUE(a->GetAttributes().empty());  // declarations only fill the alias map
+  EXPECT_EQ(ChildNames(a), (std::vector<std::string>{"b", "c", "d", "e"}));
+  EXPECT_EQ(a->GetFirstElement()->GetNamespaceURI(), "urn:x");
+
+  const CXmlElement* c = a->GetFirstElement()->GetNextSiblingElement();
+  EXPECT_EQ(c->GetNamespaceURI(), "urn:p");
+  ASSERT_EQ(c->GetAttributes().size(), 3u);
+  EXPECT_EQ(c->GetAttributes()[0]->GetLocalName(), "x");
+  EXPECT_EQ(c->GetAttributes()[0]->GetNamespaceURI(), "urn:p");
+  EXPECT_EQ(c->GetAttributes()[1]->GetLocalName(), "y");
+  EXPECT_EQ(c->GetAttributes()[1]->GetNamespaceURI(), "");
+  EXPECT_EQ(c->GetAttributes()[2]->GetValue(), "3");
+  EXPECT_EQ(c->GetAttribute("x", "urn:p"), "1");
+  EXPECT_EQ(c->GetAttribute("x", ""), "");
+  EXPECT_EQ(c->GetAttribute("y", ""), "2");
+
+  // The alias map is document-wide and keeps the last declaration.
+  EXPECT_EQ(doc.LookupNamespaceFromAlias(""), "urn:x");
+  EXPECT_EQ(doc.LookupNamespaceFromAlias("p"), "urn:p");
+  EXPECT_EQ(doc.LookupNamespaceFromAlias("q"), "urn:q2");
+  EXPECT_EQ(doc.LookupNamespaceFromAlias("nope"), "");
+}
+
+TEST(XmlDocument, WithoutNamespaceProcessing) {
+  CXmlSerializationContext ctx;
+  ctx.SetSchemaType(SchemaTypeNoNamespaces);
+  CXmlDocument doc(ctx);
+  doc.LoadXml("<a xmlns=\"urn:x\"><p:b xmlns:p=\"urn:p\" p:x=\"1\"/></a>");
+  const CXmlElement* a = doc.GetDocumentElement();
+  EXPECT_EQ(a->GetNamespaceURI(), "");
+  ASSERT_EQ(a->GetAttributes().size(), 1u);
+  EXPECT_EQ(a->GetAttributes()[0]->GetLocalName(), "xmlns");
+  EXPECT_EQ(a->GetAttributes()[0]->GetValue(), "urn:x");
+  EXPECT_EQ(a->GetAttributes()[0]->GetNamespaceURI(), "");
+  const CXmlElement* b = a->GetFirstElement();
+  EXPECT_EQ(b->GetLocalName(), "p:b");
+  EXPECT_EQ(b->GetAttribute("p:x", ""), "1");
+  EXPECT_EQ(doc.LookupNamespaceFromAlias("p"), "");
+}
+
+TEST(XmlDocument, TextCdataAndWhitespace) {
+  CXmlDocument doc;
+  doc.LoadXml("<a>one&amp;two\r\n<b>x&#13;y</b>\n  <c/>three<![CDATA[x<y]]></a>");
+  const CXmlElement* a = doc.GetDocumentElement();
+  EXPECT_EQ(a->GetText(), "one&two\n\n  threex<y");  // merged CDATA by default
+  EXPECT_EQ(a->GetFirstElement()->GetText(), "xy");
+
+  CXmlSerializationContext keep;
+  keep.SetStripCDATA(false);
+  CXmlDocument kept(keep);
+  kept.LoadXml("<a><![CDATA[x<y]]></a>");
+  EXPECT_EQ(kept.GetDocumentElement()->GetText(), "<![CDATA[x<y]]>");
+
+  CXmlDocument wide;
+  wide.LoadXml(L"<a>\u00e9<b/>\U0001F600</a>");  // only the low 16 bits of U+1F600 reach the parser
+  EXPECT_EQ(wide.GetDocumentElement()->GetLocalName(), "a");
+  EXPECT_EQ(wide.GetDocumentElement()->GetText().size(), 2u);  // two characters in the C locale: "??"
+}
+
+TEST(XmlDocument, ElementFilter) {
+  CXmlDocument all([](CXmlElement*) { return true; });
+  all.LoadXml("<r><a><b/></a><c/></r>");
+  EXPECT_EQ(all.GetDocumentElement()->GetLocalName(), "r");
+  EXPECT_EQ(all.GetDocumentElement()->GetFirstElement(), nullptr);
+
+  CXmlDocument some([](CXmlElement* e) { return e->GetLocalName() == "drop"; });
+  some.LoadXml("<r><keep/><drop><keep/></drop><keep/><drop/></r>");
+  EXPECT_EQ(ChildNames(some.GetDocumentElement()), (std::vector<std::string>{"keep", "keep"}));
+
+  CXmlElement parent(nullptr);
+  CXmlElement* first = parent.CreateNewChildElement();
+  CXmlElement* second = parent.CreateNewChildElement();
+  EXPECT_EQ(parent.RemoveLastChildElement(), second);
+  delete second;
+  EXPECT_EQ(parent.RemoveLastChildElement(), first);
+  delete first;
+  EXPECT_EQ(parent.RemoveLastChildElement(), nullptr);
+}
+
+TEST(XmlDocument, AttributeKinds) {
+  const std::string xsi = "http://www.w3.org/2001/XMLSchema-instance";
+  EXPECT_TRUE(CXmlAttribute("nil", "true", xsi).IsNilAttribute());
+  EXPECT_TRUE(CXmlAttribute("nil", "true", "http://www.w3.org/2000/xmlns/").IsNilAttribute());
+  EXPECT_FALSE(CXmlAttribute("nil", "true", "").IsNilAttribute());
+  EXPECT_TRUE(CXmlAttribute("type", "t", xsi).IsNamespaceAttribute());
+  EXPECT_TRUE(CXmlAttribute("noNamespaceSchemaLocation", "s", xsi).IsNamespaceAttribute());
+  EXPECT_FALSE(CXmlAttribute("nil", "true", xsi).IsNamespaceAttribute());
+  EXPECT_FALSE(CXmlAttribute("type", "t", "urn:x").IsNamespaceAttribute());
+}
+
+TEST(XmlDocument, LoadErrors) {
+  CXmlDocument doc;
+  EXPECT_EQ(FailureOf([&] { doc.LoadXml(""); }), "XML String is empty!");
+  EXPECT_EQ(FailureOf([&] { doc.LoadXml(L""); }), "XML String is empty!");
+  unsigned char byte = '<';
+  EXPECT_EQ(FailureOf([&] { doc.LoadXmlStream(&byte, 0); }), "XML Stream is empty!");
+
+  const std::string missing = TempPath("no-such-file.xml");
+  EXPECT_EQ(FailureOf([&] { doc.Load(missing.c_str()); }), "Failed to open the file [" + missing + "]");
+  const std::string empty = TempPath("empty-file.xml");
+  WriteFile(empty, "");
+  EXPECT_EQ(FailureOf([&] { doc.Load(empty.c_str()); }).rfind("Failed to read the contents of the file [" + empty + "]", 0),
+            0u);
+
+  EXPECT_EQ(FailureOf([&] { doc.LoadXml("<a>\n<b>\n</a>"); }), "mismatched tag at line 3");
+  EXPECT_EQ(FailureOf([&] { doc.LoadXml("<a>\n\n"); }), "no element found at line 3");
+  EXPECT_EQ(FailureOf([&] { doc.LoadXml("<a/>\n<b/>"); }), "junk after document element at line 2");
+  EXPECT_EQ(FailureOf([&] { doc.LoadXml("<p:a/>"); }), "unbound prefix at line 1");
+
+  // The document stays usable after a failure.
+  doc.LoadXml("<ok/>");
+  EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "ok");
+}
+
+TEST(XmlDocument, FilesAndCompressedStreams) {
+  const std::string xml = "<?xml version=\"1.0\"?>\n<r a=\"1\">" + std::string(300, ' ') + "<c>text</c></r>";
+  const std::string path = TempPath("doc.xml");
+  WriteFile(path, xml);
+  CXmlDocument doc;
+  doc.Load(path.c_str());
+  EXPECT_EQ(doc.GetDocumentElement()->GetAttribute("a", ""), "1");
+
+  for (CompressionType type : {CompressionTypeGzip, CompressionTypeZlib}) {
+    CBinaryData packed(Bytes(xml), xml.size(), false);
+    CKoZip::CompressData(packed, type);
+    CXmlDocument fromStream;
+    fromStream.LoadXmlStream(packed.GetData(), packed.GetLength());
+    EXPECT_EQ(fromStream.GetDocumentElement()->GetFirstElement()->GetText(), "text");
+    const std::string packedPath = TempPath("doc.xml.z");
+    WriteFile(packedPath, std::string(reinterpret_cast<char*>(packed.GetData()), packed.GetLength()));
+    CXmlDocument fromFile;
+    fromFile.Load(packedPath.c_str());
+    EXPECT_EQ(fromFile.GetDocumentElement()->GetFirstElement()->GetText(), "text");
+  }
+}
+
+TEST(XmlDocument, DeepNesting) {
+  CXmlDocument ok;
+  ok.LoadXml(Nested(CXmlDocument::MAX_ELEMENT_DEPTH).c_str());
+  EXPECT_NE(ok.GetDocumentElement(), nullptr);
+
+  const std::string tooDeep = Nested(200000);
+  CXmlDocument deep;
+  EXPECT_EQ(FailureOf([&] { deep.LoadXml(tooDeep.c_str()); }),
+            "The document is nested too deeply: more than 10000 levels of elements.");
+  EXPECT_EQ(FailureOf([&] { deep.LoadXmlStream(Bytes(tooDeep), tooDeep.size()); }),
+            "The document is nested too deeply: more than 10000 levels of elements.");
+
+  // Destroying a tree far deeper than any stack could recurse through.
+  auto root = std::make_unique<CXmlElement>(nullptr);
+  CXmlElement* e = root.get();
+  for (int i = 0; i < 1000000; ++i) {
+    e->CreateNewChildElement();
+    e = e->CreateNewChildElement();
+  }
+  root.reset();
+}
+
+TEST(XmlDocument, EntityExpansionIsBounded) {
+  std::string xml = "<?xml version=\"1.0\"?>\n<!DOCTYPE lolz [\n<!ENTITY lol0 \"lollollollollollollollollollol\">\n";
+  for (int i = 1; i < 10; ++i)
+    xml += "<!ENTITY lol" + std::to_string(i) + " \"" + [&] {
+      std::string refs;
+      for (int j = 0; j < 10; ++j) refs += "&lol" + std::to_string(i - 1) + ";";
+      return refs;
+    }() + "\">\n";
+  xml += "]>\n<lolz>&lol9;</lolz>";
+  const auto start = std::chrono::steady_clock::now();
+  CXmlDocument doc;
+  const std::string message = FailureOf([&] { doc.LoadXml(xml.c_str()); });
+  EXPECT_EQ(message.rfind("limit on input amplification factor", 0), 0u) << message;
+  EXPECT_NE(message.find(" at line "), std::string::npos) << message;
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}

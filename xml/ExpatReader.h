@@ -1,0 +1,60 @@
+#ifndef KOXMLLIB10_XML_EXPATREADER_H
+#define KOXMLLIB10_XML_EXPATREADER_H
+
+#include <expat.h>
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "KoXmlLib10/XmlDocument.h"
+
+namespace KoXmlLib10 {
+
+// Builds a document's tree from its input buffer, which holds XML text, with
+// one expat parse over the whole buffer.
+class CExpatReader {
+ public:
+  explicit CExpatReader(CXmlDocument& document);
+  CExpatReader(const CExpatReader&) = delete;
+  CExpatReader& operator=(const CExpatReader&) = delete;
+  virtual ~CExpatReader();
+
+  void CreateParser();
+  // Throws "<expat's message> at line N" when the text is not well-formed,
+  // or whatever a building operation of the document threw.
+  void Parse(bool isFinal);
+  void Cleanup();
+
+  static void XMLCALL FnStartElement(void* userData, const XML_Char* name, const XML_Char** attributes);
+  static void XMLCALL FnEndElement(void* userData, const XML_Char* name);
+  static void XMLCALL FnText(void* userData, const XML_Char* text, int length);
+  static void XMLCALL FnStartCDATA(void* userData);
+  static void XMLCALL FnEndCDATA(void* userData);
+  static void XMLCALL FnStartNamespace(void* userData, const XML_Char* prefix, const XML_Char* uri);
+  static void XMLCALL FnEndNamespace(void* userData, const XML_Char* prefix);
+
+ private:
+  static constexpr unsigned long kScratchSize = 1024;
+
+  // Runs a callback's work; an exception must not unwind through expat, so
+  // it is kept, the parser stopped, and the exception rethrown by Parse.
+  template <typename Work>
+  static void Guarded(void* userData, Work&& work);
+  // UTF-8 from expat in the local representation; ASCII passes as it is.
+  std::string_view Local(std::string_view utf8, std::string& converted, bool useScratch);
+  void SplitName(const XML_Char* name, std::string& uri, std::string& local, std::string_view& uriView,
+                 std::string_view& localView, bool useScratch);
+  void ReleaseParser();
+
+  CXmlDocument& m_document;
+  std::unique_ptr<unsigned char[]> m_scratch;
+  unsigned long m_scratchSize = 0;
+  XML_Parser m_parser = nullptr;
+  std::exception_ptr m_failure;
+};
+
+}  // namespace KoXmlLib10
+
+#endif
