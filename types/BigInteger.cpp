@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -510,6 +511,10 @@ void CBigInteger::Clean(Digits& v) {
 void CBigInteger::Build(unsigned int value, Digits& v) { BuildDWORDLONG(value, v); }
 
 void CBigInteger::Build(const std::string& digits, Digits& v) {
+  if (std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; })) {
+    BuildFromDigitText(digits, v);
+    return;
+  }
   std::string only;
   std::copy_if(digits.begin(), digits.end(), std::back_inserter(only),
                [](char c) { return c >= '0' && c <= '9'; });

@@ -79,8 +79,13 @@ DecimalText ScanDecimal(const char* s) {
   return scanned;
 }
 
-// Builds a value from plain digit text; empty text is zero.
-CBigInteger FromDigitText(const std::string& digits) { return CBigInteger(digits.c_str()); }
+// The text CDecimal(double) parses: 13 fraction digits, and the newline is
+// skipped as whitespace.
+std::string PrintDouble(double d) {
+  char buffer[1024];
+  std::snprintf(buffer, sizeof buffer, "%.13f\n", d);
+  return buffer;
+}
 
 // Is |remainder| above (1), equal to (0) or below (-1) half of 10^k, k >= 1?
 int CompareWithHalf(const CBigInteger& remainder, unsigned int k) {
@@ -100,13 +105,9 @@ CDecimal::CDecimal() : m_integer(0), m_fraction(0), m_divider(1) {}
 
 CDecimal::CDecimal(int i) : m_integer(i), m_fraction(0), m_divider(1) {}
 
-CDecimal::CDecimal(double d) : CDecimal() {
-  char buffer[1024];
-  std::snprintf(buffer, sizeof buffer, "%.13f\n", d);
-  Parse(buffer);
-}
+CDecimal::CDecimal(double d) : CDecimal(FromText(PrintDouble(d).c_str())) {}
 
-CDecimal::CDecimal(const char* s) : CDecimal() { Parse(s); }
+CDecimal::CDecimal(const char* s) : CDecimal(FromText(s)) {}
 
 CDecimal::CDecimal(const CBigInteger& integerPart) : m_integer(integerPart), m_fraction(0), m_divider(1) {}
 
@@ -114,19 +115,26 @@ CDecimal::CDecimal(const CBigInteger& integerPart, const CBigInteger& fraction, 
   if (divider <= 0) {
     CBigInteger scaled = fraction;
     scaled.MultiplyPow10(static_cast<unsigned int>(-static_cast<long long>(divider)));
-    SetScaled(integerPart + scaled, 0);
+    *this = CDecimal(integerPart + scaled, 0);
     return;
   }
   // A fraction this far below the last kept digit cannot change the rounded
   // value, and building 10^divider for it could be enormous.
   const long long negligibleFrom = static_cast<long long>(CBigInteger::Position(fraction.m_digits)) + MaxDivider() + 1;
   if (divider > negligibleFrom) {
-    SetScaled(integerPart, 0);
+    *this = CDecimal(CBigInteger(integerPart), 0);
     return;
   }
   CBigInteger scaled = integerPart;
   scaled.MultiplyPow10(static_cast<unsigned int>(divider));
-  SetScaled(scaled + fraction, divider);
+  *this = CDecimal(scaled + fraction, divider);
+}
+
+CDecimal::CDecimal(CBigInteger&& scaled, int divider)
+    : m_integer(std::move(scaled)),
+      m_fraction(m_integer.DividePow10(static_cast<unsigned int>(divider))),
+      m_divider(divider) {
+  Finish();
 }
 
 CDecimal::CDecimal(const CDecimal& other) = default;
@@ -145,13 +153,6 @@ CBigInteger CDecimal::Scaled(int divider) const {
   CBigInteger fraction = m_fraction;
   fraction.MultiplyPow10(static_cast<unsigned int>(divider - m_divider));
   return scaled += fraction;
-}
-
-void CDecimal::SetScaled(CBigInteger scaled, int divider) {
-  m_fraction = scaled.DividePow10(static_cast<unsigned int>(divider));
-  m_integer = std::move(scaled);
-  m_divider = divider;
-  Finish();
 }
 
 void CDecimal::Finish() {
@@ -196,17 +197,21 @@ void CDecimal::Rationalise() {
     return;
   }
   const unsigned int drop = std::min(m_fraction.TrailingZeros(), static_cast<unsigned int>(m_divider - 1));
+  if (drop == 0) return;
   m_fraction.DividePow10(drop);
   m_divider -= static_cast<int>(drop);
 }
 
 // ---- text ------------------------------------------------------------------
 
-void CDecimal::Parse(const char* s) {
+void CDecimal::Parse(const char* s) { *this = FromText(s); }
+
+CDecimal CDecimal::FromText(const char* s) {
   const DecimalText text = ScanDecimal(s);
   const int fractionDigits = static_cast<int>(text.fractionDigits.size());
-  CBigInteger scaled = FromDigitText(text.integerDigits + text.fractionDigits);
-  if (text.negative) scaled.Negate();
+  CBigInteger::Digits magnitude;
+  CBigInteger::Build(text.integerDigits + text.fractionDigits, magnitude);
+  CBigInteger scaled(text.negative ? -1 : 1, std::move(magnitude));
 
   int divider = fractionDigits - text.exponent;
   if (divider < 0) {
@@ -218,9 +223,7 @@ void CDecimal::Parse(const char* s) {
     scaled.DividePow10(static_cast<unsigned int>(divider - (MaxDivider() + 2)));
     divider = MaxDivider() + 2;
   }
-  CDecimal parsed;
-  parsed.SetScaled(std::move(scaled), divider);
-  *this = std::move(parsed);
+  return CDecimal(std::move(scaled), divider);
 }
 
 std::string CDecimal::ToString() const {
@@ -256,17 +259,13 @@ std::string CDecimal::ToString(int places) const {
 
 CDecimal CDecimal::operator+(const CDecimal& other) const {
   const int divider = std::max(m_divider, other.m_divider);
-  CDecimal sum;
-  sum.SetScaled(Scaled(divider) + other.Scaled(divider), divider);
-  return sum;
+  return CDecimal(Scaled(divider) + other.Scaled(divider), divider);
 }
 
 CDecimal CDecimal::operator-(const CDecimal& other) const { return *this + other.GetNegative(); }
 
 CDecimal CDecimal::operator*(const CDecimal& other) const {
-  CDecimal product;
-  product.SetScaled(Scaled(m_divider) * other.Scaled(other.m_divider), m_divider + other.m_divider);
-  return product;
+  return CDecimal(Scaled(m_divider) * other.Scaled(other.m_divider), m_divider + other.m_divider);
 }
 
 CDecimal CDecimal::operator/(const CDecimal& other) const {
@@ -274,9 +273,7 @@ CDecimal CDecimal::operator/(const CDecimal& other) const {
   const int quotientDivider = MaxDivider() + 2;
   CBigInteger dividend = Scaled(divider);
   dividend.MultiplyPow10(static_cast<unsigned int>(quotientDivider));
-  CDecimal quotient;
-  quotient.SetScaled(dividend / other.Scaled(divider), quotientDivider);
-  return quotient;
+  return CDecimal(dividend / other.Scaled(divider), quotientDivider);
 }
 
 CDecimal& CDecimal::operator+=(const CDecimal& other) { return *this = *this + other; }

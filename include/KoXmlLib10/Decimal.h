@@ -83,11 +83,13 @@ class KOXML_API CDecimal {
   void Rationalise();
 
  private:
+  // The value scaled / 10^divider (divider >= 0), brought to the invariants.
+  CDecimal(CBigInteger&& scaled, int divider);
+  static CDecimal FromText(const char* s);
+
   bool IsNegative() const;
-  // integerPart * 10^divider + fraction scaled to `divider` (>= m_divider).
+  // The value times 10^divider (divider >= m_divider): an exact integer.
   CBigInteger Scaled(int divider) const;
-  // Sets the value to scaled / 10^divider and restores the invariants.
-  void SetScaled(CBigInteger scaled, int divider);
   void Finish();
   int CompareTo(const CDecimal& other) const;
 

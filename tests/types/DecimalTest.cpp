@@ -14,6 +14,7 @@ namespace {
 // and the range checks must not depend on the library's own initialisers.
 const CDecimal kStartupPrice("1234.50");
 const long kStartupLong = CDecimal("2147483647.4").ToLong();
+const std::string kStartupMaxLong = CBigInteger::MAX_LONG.ToString();
 
 std::string Str(const char* text) { return CDecimal(text).ToString(); }
 
@@ -31,6 +32,7 @@ std::string Position(int position, const std::string& text) {
 TEST(Decimal, StaticObjectsParseAtStartup) {
   EXPECT_EQ(kStartupPrice.ToString(), "1234.5");
   EXPECT_EQ(kStartupLong, 2147483647L);
+  EXPECT_EQ(kStartupMaxLong, "2147483647");
 }
 
 TEST(Decimal, ParsesAndPrints) {
