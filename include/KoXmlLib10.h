@@ -12,6 +12,7 @@
 #include "KoXmlLib10/BinaryData.h"
 #include "KoXmlLib10/Unicode.h"
 #include "KoXmlLib10/FastInfosetContext.h"
+#include "KoXmlLib10/FastInfosetBinaryData.h"
 #include "KoXmlLib10/SerializationContext.h"
 #include "KoXmlLib10/DateTimeSpan.h"
 #include "KoXmlLib10/DateTime.h"
