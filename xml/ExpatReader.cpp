@@ -13,11 +13,6 @@ namespace {
 
 constexpr char kNameSeparator = '|';
 
-bool IsAscii(std::string_view s) {
-  return !DoesUTF8StrContainAnyCharsLargerThanOneByte(
-      reinterpret_cast<unsigned char*>(const_cast<char*>(s.data())), s.size());
-}
-
 }  // namespace
 
 CExpatReader::CExpatReader(CXmlDocument& document) : m_document(document) {}
@@ -27,10 +22,7 @@ CExpatReader::~CExpatReader() {
   ReleaseParser();
 }
 
-void CExpatReader::Cleanup() {
-  m_scratch.reset();
-  m_scratchSize = 0;
-}
+void CExpatReader::Cleanup() { m_scratch.Free(); }
 
 void CExpatReader::ReleaseParser() {
   if (m_parser) XML_ParserFree(m_parser);
@@ -38,8 +30,7 @@ void CExpatReader::ReleaseParser() {
 }
 
 void CExpatReader::CreateParser() {
-  m_scratch.reset(new unsigned char[kScratchSize]);
-  m_scratchSize = kScratchSize;
+  m_scratch.Allocate();
   ReleaseParser();
   m_parser = m_document.m_schemaType == SchemaTypeNoNamespaces ? XML_ParserCreate(nullptr)
                                                                : XML_ParserCreateNS(nullptr, kNameSeparator);
@@ -89,21 +80,6 @@ void CExpatReader::Guarded(void* userData, Work&& work) {
   }
 }
 
-std::string_view CExpatReader::Local(std::string_view utf8, std::string& converted, bool useScratch) {
-  if (ASCII_ONLY || IsAscii(utf8)) return utf8;
-  unsigned char* data = reinterpret_cast<unsigned char*>(const_cast<char*>(utf8.data()));
-  const int length = static_cast<int>(std::min<size_t>(utf8.size(), INT_MAX));
-  if (useScratch && m_scratch) {
-    // Wide characters in the first part, narrow text from the middle on.
-    wchar_t* wide = reinterpret_cast<wchar_t*>(m_scratch.get());
-    char* narrow = reinterpret_cast<char*>(m_scratch.get() + m_scratchSize / 2);
-    converted = CEncoder::Utf8ToLocalCodePage(data, length, wide, m_scratchSize / 8, narrow, m_scratchSize / 2);
-  } else {
-    converted = CEncoder::Utf8ToLocalCodePage(data, length);
-  }
-  return converted;
-}
-
 // expat joins a namespace URI and a local name with the separator; local
 // names cannot contain it, so the last one is the split point.
 void CExpatReader::SplitName(const XML_Char* name, std::string& uri, std::string& local,
@@ -112,11 +88,11 @@ void CExpatReader::SplitName(const XML_Char* name, std::string& uri, std::string
   const size_t separator = whole.rfind(kNameSeparator);
   if (separator == std::string_view::npos) {
     uriView = std::string_view();
-    localView = Local(whole, local, useScratch);
+    localView = m_scratch.ToLocal(whole, local, useScratch);
     return;
   }
-  uriView = Local(whole.substr(0, separator), uri, useScratch);
-  localView = Local(whole.substr(separator + 1), local, useScratch);
+  uriView = m_scratch.ToLocal(whole.substr(0, separator), uri, useScratch);
+  localView = m_scratch.ToLocal(whole.substr(separator + 1), local, useScratch);
 }
 
 void XMLCALL CExpatReader::FnStartElement(void* userData, const XML_Char* name, const XML_Char** attributes) {
@@ -128,7 +104,7 @@ void XMLCALL CExpatReader::FnStartElement(void* userData, const XML_Char* name, 
     CXmlElement* element = document.StartElement(uriView, localView);
     for (const XML_Char** pair = attributes; pair[0]; pair += 2) {
       reader.SplitName(pair[0], uri, local, uriView, localView, false);
-      const std::string_view valueView = reader.Local(pair[1], value, false);
+      const std::string_view valueView = reader.m_scratch.ToLocal(pair[1], value, false);
       document.AddAttribute(element, localView, valueView, uriView);
     }
   });
@@ -142,7 +118,7 @@ void XMLCALL CExpatReader::FnText(void* userData, const XML_Char* text, int leng
   if (length <= 0) return;
   Guarded(userData, [&](CExpatReader& reader) {
     std::string converted;
-    const std::string_view local = reader.Local(std::string_view(text, length), converted, true);
+    const std::string_view local = reader.m_scratch.ToLocal(std::string_view(text, length), converted);
     reader.m_document.AppendTextExcludingCR(reader.m_document.TopElement(), local.data(), local.size());
   });
 }
@@ -162,8 +138,8 @@ void XMLCALL CExpatReader::FnEndCDATA(void* userData) {
 void XMLCALL CExpatReader::FnStartNamespace(void* userData, const XML_Char* prefix, const XML_Char* uri) {
   Guarded(userData, [&](CExpatReader& reader) {
     std::string convertedPrefix, convertedUri;
-    const std::string_view prefixView = reader.Local(prefix ? prefix : "", convertedPrefix, false);
-    const std::string_view uriView = reader.Local(uri ? uri : "", convertedUri, false);
+    const std::string_view prefixView = reader.m_scratch.ToLocal(prefix ? prefix : "", convertedPrefix, false);
+    const std::string_view uriView = reader.m_scratch.ToLocal(uri ? uri : "", convertedUri, false);
     reader.m_document.SetAlias(std::string(prefixView), std::string(uriView));
   });
 }

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "KoXmlLib10/XmlDocument.h"
+#include "xml/LocalText.h"
 
 namespace KoXmlLib10 {
 
@@ -36,21 +37,16 @@ class CExpatReader {
   static void XMLCALL FnEndNamespace(void* userData, const XML_Char* prefix);
 
  private:
-  static constexpr unsigned long kScratchSize = 1024;
-
   // Runs a callback's work; an exception must not unwind through expat, so
   // it is kept, the parser stopped, and the exception rethrown by Parse.
   template <typename Work>
   static void Guarded(void* userData, Work&& work);
-  // UTF-8 from expat in the local representation; ASCII passes as it is.
-  std::string_view Local(std::string_view utf8, std::string& converted, bool useScratch);
   void SplitName(const XML_Char* name, std::string& uri, std::string& local, std::string_view& uriView,
                  std::string_view& localView, bool useScratch);
   void ReleaseParser();
 
   CXmlDocument& m_document;
-  std::unique_ptr<unsigned char[]> m_scratch;
-  unsigned long m_scratchSize = 0;
+  CLocalTextScratch m_scratch;
   XML_Parser m_parser = nullptr;
   std::exception_ptr m_failure;
 };

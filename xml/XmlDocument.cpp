@@ -9,6 +9,7 @@
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/KoZip.h"
 #include "KoXmlLib10/StringUtils.h"
+#include "fastinfoset/FastInfosetReader.h"
 #include "xml/ExpatReader.h"
 
 namespace KoXmlLib10 {
@@ -243,7 +244,8 @@ void CXmlDocument::Parse() {
     (void)m_input.release();  // Decompress has freed it
     ReplaceInput(data, length);
   }
-  ParseText();
+  CFastInfosetReader reader(m_context->GetFIContext(), *this);
+  if (!reader.Parse()) ParseText();
 }
 
 void CXmlDocument::ParseText() {

@@ -1,0 +1,237 @@
+#include <gtest/gtest.h>
+
+#include <KoXmlLib10.h>
+
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+using namespace KoXmlLib10;
+
+namespace {
+
+// Octets of a hand-built document.
+struct Octets {
+  std::string bytes;
+  Octets& operator()(std::initializer_list<int> octets) {
+    for (int o : octets) bytes += static_cast<char>(o);
+    return *this;
+  }
+  Octets& operator()(const std::string& text) {
+    bytes += text;
+    return *this;
+  }
+  // A short literal: its length-minus-one in the low bits of `prefix`.
+  Octets& Literal(int prefix, const std::string& text) {
+    bytes += static_cast<char>(prefix | static_cast<int>(text.size() - 1));
+    bytes += text;
+    return *this;
+  }
+};
+
+// A string of every octet of a literal, NULs included.
+template <size_t N>
+std::string S(const char (&octets)[N]) {
+  return std::string(octets, N - 1);
+}
+
+const std::string kHeader = S("\xE0\x00\x00\x01\x00");  // header, no optional components
+
+std::string FailureOf(const std::function<void()>& load) {
+  try {
+    load();
+  } catch (const CKoException& e) {
+    return e.GetMessage();
+  }
+  return "";
+}
+
+void Load(CXmlDocument& doc, const std::string& bytes) {
+  try {
+    doc.LoadXmlStream(reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data())), bytes.size());
+  } catch (const CKoException& e) {
+    FAIL() << e.GetMessage();
+  }
+}
+
+std::string LoadFailure(const std::string& bytes, const CXmlSerializationContext& ctx = CXmlSerializationContext()) {
+  CXmlDocument doc(ctx);
+  return FailureOf([&] {
+    doc.LoadXmlStream(reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data())), bytes.size());
+  });
+}
+
+// <a>x</a> with the root's body replaced by `body` (after the name).
+std::string Root(const std::string& body, int elementOctet = 0x38) {
+  Octets o;
+  o(kHeader)({elementOctet, 0xF0, 0x3C}).Literal(0x00, "a")(body);
+  return o.bytes;
+}
+
+}  // namespace
+
+TEST(FastInfosetReader, HeaderRecognition) {
+  CXmlDocument doc;
+  const std::string ax("\xE0\x00\x00\x01\x00\x38\xF0\x3C\x00\x61\x90\x78\xFF", 13);
+  Load(doc, ax);
+  EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "a");
+  EXPECT_EQ(doc.GetDocumentElement()->GetText(), "x");
+
+  Load(doc, "<?xml encoding='finf'?>" + ax);
+  EXPECT_EQ(doc.GetDocumentElement()->GetText(), "x");
+  Load(doc, "<?xml version='1.1' encoding='finf' standalone='no'?>" + ax);
+  EXPECT_EQ(doc.GetDocumentElement()->GetText(), "x");
+
+  Load(doc, "<?xml version=\"1.0\"?><b/>");  // text
+  EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "b");
+  // Four header octets alone are not Fast Infoset: expat rejects them.
+  const std::string headerOnly = LoadFailure(ax.substr(0, 4));
+  EXPECT_EQ(headerOnly.find("FastInfoset"), std::string::npos);
+  EXPECT_NE(headerOnly.find(" at line 1"), std::string::npos);
+
+  std::string big = Root(S("\x90\x78") + std::string(300, '\xA0') + "\xFF");  // repetitive enough to shrink
+  CBinaryData zipped(reinterpret_cast<unsigned char*>(big.data()), big.size(), false);
+  CKoZip::CompressData(zipped, CompressionTypeZlib);
+  CXmlDocument fromZip;
+  fromZip.LoadXmlStream(zipped.GetData(), zipped.GetLength());
+  EXPECT_EQ(fromZip.GetDocumentElement()->GetText(), std::string(301, 'x'));
+}
+
+TEST(FastInfosetReader, NamesAttributesAndIndexes) {
+  Octets o;
+  o(kHeader)({0x78});                     // root: attributes and namespace declarations
+  o({0xCD}).Literal(0x00, "urn:x");       // xmlns="urn:x" (namespace 2)
+  o({0xCF}).Literal(0x00, "p").Literal(0x00, "urn:p");  // xmlns:p="urn:p" (prefix 2, namespace 3)
+  o({0xF0, 0x3D, 0x81}).Literal(0x00, "a");  // name: namespace 2, local name "a"
+  o({0x7B, 0x81, 0x82}).Literal(0x00, "x").Literal(0x40, "1");  // p:x="1", value added
+  o({0x78}).Literal(0x00, "y")({0x80});    // y= value index 1
+  o({0x78}).Literal(0x00, "z")({0xFF});    // z= value index 0: empty
+  o({0xF0});                               // end of attributes
+  o({0x00}).Literal(0x90, "hi")({0xF0});   // <a>hi</a> through element name 1
+  o({0x00, 0xA0, 0xE2, 0x00, 0x63, 0xC8, 0x00, 0x65, 0xE1, 0x00, 0x74, 0x00, 0x63});  // chunk 1, comment, entity, PI
+  o({0xFF, 0xF0});
+  CXmlDocument doc;
+  Load(doc, o.bytes);
+  const CXmlElement* a = doc.GetDocumentElement();
+  EXPECT_EQ(a->GetNamespaceURI(), "urn:x");
+  ASSERT_EQ(a->GetAttributes().size(), 3u);
+  EXPECT_EQ(a->GetAttribute("x", "urn:p"), "1");
+  EXPECT_EQ(a->GetAttributes()[1]->GetValue(), "1");
+  EXPECT_EQ(a->GetAttributes()[2]->GetLocalName(), "z");
+  EXPECT_EQ(a->GetAttributes()[2]->GetValue(), "");
+  const CXmlElement* first = a->GetFirstElement();
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(first->GetNamespaceURI(), "urn:x");
+  EXPECT_EQ(first->GetText(), "hi");
+  ASSERT_NE(first->GetNextSiblingElement(), nullptr);
+  EXPECT_EQ(first->GetNextSiblingElement()->GetText(), "hi");
+  EXPECT_EQ(doc.LookupNamespaceFromAlias(""), "urn:x");
+  EXPECT_EQ(doc.LookupNamespaceFromAlias("p"), "urn:p");
+}
+
+TEST(FastInfosetReader, AlphabetsAndAlgorithms) {
+  CXmlDocument doc;
+  // Numeric alphabet, four bits a character: "12.5" and "-3" padded with F.
+  Load(doc, Root(S("\x88\x01\x12\xC5\x88\x00\xA3\xFF")));
+  EXPECT_EQ(doc.GetDocumentElement()->GetText(), "12.5-3");
+  Load(doc, Root(S("\x8C\x26\x00" "a<b\xFF")));  // the cdata algorithm is UTF-8 text
+  EXPECT_EQ(doc.GetDocumentElement()->GetText(), "a<b");
+
+  CXmlSerializationContext ctx;
+  ctx.GetFIContext().SetUseGeneratedVocabulary(true);
+  std::vector<std::string>& alphabets = ctx.GetFIContext().GetVocabulary()->GetRestrictedAlphabets();
+  alphabets.push_back("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefgh");  // 3: 34 characters, six bits each
+  alphabets.push_back("abcde");                               // 4: three bits
+  alphabets.push_back("xyz");                                 // 5: two bits
+  std::string wide;
+  for (int c = 0; c < 200; ++c) wide += static_cast<char>(c < 100 ? 'A' + c % 26 : 'a' + c % 26);
+  alphabets.push_back(wide);                                  // 6: eight bits
+  alphabets.push_back("x");                                   // 7: too short
+  CXmlDocument custom(ctx);
+  // "Bad" = 1, 26, 29 in six bits, then the all-ones padding.
+  Load(custom, Root(S("\x88\x0A\x00\x05\xA7\x7F\xFF")));
+  EXPECT_EQ(custom.GetDocumentElement()->GetText(), "Bad");
+  // "eab" = 4, 0, 1 in three bits (9 bits, padded with ones): 100 000 001 1111111.
+  Load(custom, Root(std::string("\x88\x0D\x80\xFF\xFF", 5)));
+  EXPECT_EQ(custom.GetDocumentElement()->GetText(), "eab");
+  // "zyx" = 2, 1, 0 in two bits, then 11: 10 01 00 11.
+  Load(custom, Root("\x88\x10\x93\xFF"));
+  EXPECT_EQ(custom.GetDocumentElement()->GetText(), "zyx");
+  Load(custom, Root(std::string("\x88\x15\x00\x01\xFF", 5)));  // eight bits: indices 0 and 1
+  EXPECT_EQ(custom.GetDocumentElement()->GetText(), "AB");
+  EXPECT_EQ(LoadFailure(Root("\x88\x0C\xBF\xFF"), ctx),  // three bits: 101 is beyond "abcde"
+            "Failed to parse FastInfoset. Invalid character index for Restricted Alphabet.");
+  EXPECT_EQ(LoadFailure(Root(S("\x88\x18\x00\xFF")), ctx),
+            "Failed to parse FastInfoset. Invalid Encoding of Restricted Alphabet. Alphabet must contain between 2 "
+            "and 2^20 characters.");
+  EXPECT_EQ(LoadFailure(Root(S("\x88\x08\x00\xFF"))),  // alphabet 3 does not exist by default
+            "Failed to parse FastInfoset. Invalid Encoding of Restricted Alphabet. Alphabet must contain between 2 "
+            "and 2^20 characters.");
+}
+
+TEST(FastInfosetReader, ComponentsReadPast) {
+  Octets o;
+  o({0xE0, 0x00, 0x00, 0x01, 0x7F});
+  o({0x00}).Literal(0x00, "i").Literal(0x00, "d");  // additional data: one pair
+  o({0x1F, 0xFF}).Literal(0x00, "u");              // initial vocabulary: every table
+  for (int table = 0; table < 7; ++table) o({0x00}).Literal(0x00, "s");
+  for (int table = 0; table < 3; ++table) o({0x00}).Literal(0x00, "v");
+  o({0x00, 0x03, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00});  // name surrogates
+  o({0xC3}).Literal(0x00, "n").Literal(0x00, "s").Literal(0x00, "p")({0xF0});  // notation
+  o({0xD1}).Literal(0x00, "e").Literal(0x00, "s").Literal(0x00, "p").Literal(0x00, "n")({0xF0});  // entity
+  o.Literal(0x00, "UTF-8")({0x01}).Literal(0x00, "1");  // encoding scheme, standalone, version
+  o({0xC6}).Literal(0x00, "sys")({0xE1}).Literal(0x00, "t").Literal(0x00, "c")({0xF0});  // doctype
+  o({0xE2}).Literal(0x00, "comment");
+  o({0x38, 0xF0, 0x3C}).Literal(0x00, "a")({0xCB}).Literal(0x00, "e").Literal(0x00, "s").Literal(0x00, "p");
+  o({0xF0, 0xE2}).Literal(0x00, "after")({0xF0});
+  CXmlDocument doc;
+  Load(doc, o.bytes);
+  EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "a");
+  EXPECT_EQ(doc.GetDocumentElement()->GetText(), "");
+
+  // The initial vocabulary's tables were not entered: element name 1 does not exist.
+  Octets indexed;
+  indexed({0xE0, 0x00, 0x00, 0x01, 0x20, 0x00, 0x82, 0x00}).Literal(0x00, "a")({0x00, 0x00, 0x00});  // a, (0, 0, 1)
+  indexed({0x00, 0xFF});
+  EXPECT_EQ(LoadFailure(indexed.bytes), "Failed to parse FastInfoset. Index 1 is not in the vocabulary.");
+}
+
+TEST(FastInfosetReader, CorruptInput) {
+  const std::string ax("\xE0\x00\x00\x01\x00\x38\xF0\x3C\x00\x61\x90\x78\xFF", 13);
+  for (size_t length = 5; length < ax.size(); ++length)
+    EXPECT_EQ(LoadFailure(ax.substr(0, length)), "Failed to parse FastInfoset. Unexpected End of File.") << length;
+
+  const std::string prefix = "Failed to parse FastInfoset. ";
+  EXPECT_EQ(LoadFailure(Root("\xC0")), prefix + "Invalid Encoding of Element type.");
+  EXPECT_EQ(LoadFailure(kHeader + "\x38\xF0\x3E"), prefix + "Invalid QName type Prefix without Namespace.");
+  EXPECT_EQ(LoadFailure(Root("\x31")), prefix + "Invalid Encoding of integers 1 To 2^20 type  on the third bit of an octet.");
+  EXPECT_EQ(LoadFailure(Root("\xBC")), prefix + "Invalid Encoding of integers 1 To 2^20 type  on the fourth bit of an octet.");
+  EXPECT_EQ(LoadFailure(Root("\x70", 0x78)),
+            prefix + "Invalid Encoding of integers 1 To 2^20 type  on the second bit of an octet.");
+  EXPECT_EQ(LoadFailure(Root(std::string("\x78\x00\x79\xF0", 4), 0x78)),
+            prefix + "Invalid Encoding of integers 0 To 2^20 type  on the second bit of an octet.");
+  EXPECT_EQ(LoadFailure(Root(std::string("\x78\x00\x79\x09", 4), 0x78)),
+            prefix + "Invalid NonEmptyOctetString type  on the fifth bit of an octet.");
+  EXPECT_EQ(LoadFailure(kHeader + "\x38\xF0\x3C\x41"), prefix + "Invalid NonEmptyOctetString type  on the second bit of an octet.");
+  EXPECT_EQ(LoadFailure(Root(S("\x94\x00\x78"))).rfind(prefix, 0), 0u);  // UTF-16 cannot be read
+  EXPECT_EQ(LoadFailure(Root("\xA5")), prefix + "Index 6 is not in the vocabulary.");
+  EXPECT_EQ(LoadFailure(kHeader + "\xF0"), prefix + "The document has no element.");
+  EXPECT_EQ(LoadFailure(Root(S("\xF0\x00\xFF"))), "A document can have only one document element.");
+
+  // A chunk entered once and referred to over and over is cut off.
+  std::string many = Root("\x92\xC5" + std::string(200, 'x') + std::string(100000, '\xA0') + "\xFF");
+  EXPECT_EQ(LoadFailure(many), prefix + "The document expands to more than 100 times its size.");
+}
+
+TEST(FastInfosetReader, DeepNesting) {
+  const std::string tooDeep = Root(std::string(200000, '\x00') + std::string(100001, '\xFF'));
+  EXPECT_EQ(LoadFailure(tooDeep), "The document is nested too deeply: more than 10000 levels of elements.");
+  const std::string deepest = Root(std::string(CXmlDocument::MAX_ELEMENT_DEPTH - 1, '\x00') +
+                                   std::string(CXmlDocument::MAX_ELEMENT_DEPTH / 2, '\xFF'));
+  CXmlDocument doc;
+  Load(doc, deepest);
+  size_t depth = 0;
+  for (const CXmlElement* e = doc.GetDocumentElement(); e; e = e->GetFirstElement()) ++depth;
+  EXPECT_EQ(depth, CXmlDocument::MAX_ELEMENT_DEPTH);
+}
