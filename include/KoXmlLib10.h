@@ -24,5 +24,9 @@
 #include "KoXmlLib10/XmlTextWriter.h"
 #include "KoXmlLib10/Conversions.h"
 #include "KoXmlLib10/XmlDocument.h"
+#include "KoXmlLib10/XmlObjectBase.h"
+#include "KoXmlLib10/XmlCollectionBase.h"
+#include "KoXmlLib10/SmartPtr.h"
+#include "KoXmlLib10/Variant.h"
 
 #endif
