@@ -28,5 +28,7 @@
 #include "KoXmlLib10/XmlCollectionBase.h"
 #include "KoXmlLib10/SmartPtr.h"
 #include "KoXmlLib10/Variant.h"
+#include "KoXmlLib10/Facets.h"
+#include "KoXmlLib10/XmlObjectHelper.h"
 
 #endif

@@ -1,0 +1,247 @@
+#include "KoXmlLib10/Facets.h"
+
+#include <string_view>
+
+#include "KoXmlLib10/Conversions.h"
+#include "KoXmlLib10/Exceptions.h"
+#include "KoXmlLib10/XmlObjectHelper.h"
+#include "members/Utf8Text.h"
+
+namespace KoXmlLib10 {
+
+CPrimitiveRestrictions::CPrimitiveRestrictions()
+    : m_minLength(-1), m_maxLength(-1), m_length(-1) {}
+
+CPrimitiveRestrictions::CPrimitiveRestrictions(const char* pattern, int minLength, int maxLength,
+                                               const char* minInclusive, const char* maxInclusive,
+                                               const char* minExclusive, const char* maxExclusive,
+                                               int length)
+    : m_pattern(pattern ? pattern : ""),
+      m_minLength(minLength),
+      m_maxLength(maxLength),
+      m_minInclusive(minInclusive ? minInclusive : ""),
+      m_maxInclusive(maxInclusive ? maxInclusive : ""),
+      m_minExclusive(minExclusive ? minExclusive : ""),
+      m_maxExclusive(maxExclusive ? maxExclusive : ""),
+      m_length(length) {}
+
+CPrimitiveRestrictions::~CPrimitiveRestrictions() = default;
+
+namespace {
+
+using C = CConversions;
+constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+
+const char* NameText(const char* name) { return name ? name : ""; }
+
+[[noreturn]] void FailText(const char* name, const std::string& shown) {
+  throw CKoException(FormatString("Invalid Value for %s [%s]", NameText(name), shown.c_str()));
+}
+
+// Wide enough for every kind reported as a whole number (ui4 included), and
+// the same text as a plain int wherever an int holds the value.
+[[noreturn]] void FailWhole(const char* name, long long value) {
+  throw CKoException(FormatString("Invalid Value for %s [%lld]", NameText(name), value));
+}
+
+[[noreturn]] void FailReal(const char* name, double value) {
+  throw CKoException(FormatString("Invalid Value for %s [%f]", NameText(name), value));
+}
+
+// Comparison of a value with a bound: 0 equal, 1 less, 2 greater,
+// 3 indeterminate (XSD partial order), 4 unordered (NaN).
+enum Order { Equal = 0, Less = 1, Greater = 2, Indeterminate = 3, Unordered = 4 };
+
+template <class T>
+int OrderOf(const T& value, const T& bound) {
+  if (value < bound) return Less;
+  if (bound < value) return Greater;
+  return value == bound ? Equal : Unordered;
+}
+
+int OrderOf(const CDateTime& value, const CDateTime& bound) { return value.CompareTo(bound); }
+int OrderOf(const CDateTimeSpan& value, const CDateTimeSpan& bound) { return value.CompareTo(bound); }
+
+bool PassesMinInclusive(int order) { return order == Equal || order == Greater || order == Indeterminate; }
+bool PassesMaxInclusive(int order) { return order == Equal || order == Less || order == Indeterminate; }
+bool PassesMinExclusive(int order) { return order == Greater || order == Indeterminate; }
+bool PassesMaxExclusive(int order) { return order == Less || order == Indeterminate; }
+
+// Tests the set bounds in facet order; `parse` converts a bound's text with
+// the member type's own conversion, `fail` reports the value.
+template <class T, class Parse, class Fail>
+void CheckBounds(const T& value, const CPrimitiveRestrictions& r, Parse parse, Fail fail) {
+  const struct {
+    const std::string& text;
+    bool (*passes)(int);
+  } bounds[] = {{r.GetMinInclusive(), PassesMinInclusive},
+                {r.GetMaxInclusive(), PassesMaxInclusive},
+                {r.GetMinExclusive(), PassesMinExclusive},
+                {r.GetMaxExclusive(), PassesMaxExclusive}};
+  for (const auto& bound : bounds) {
+    if (bound.text.empty()) continue;
+    const T limit = parse(bound.text, kCollapse);
+    if (!bound.passes(OrderOf(value, limit))) fail();
+  }
+}
+
+template <class T, class Parse>
+void CheckWhole(const char* name, T value, const CPrimitiveRestrictions& r, Parse parse) {
+  CheckBounds<T>(value, r, parse, [&] { FailWhole(name, static_cast<long long>(value)); });
+}
+
+template <class T, class Parse>
+void CheckShownAsText(const char* name, const T& value, const CPrimitiveRestrictions& r, Parse parse) {
+  CheckBounds<T>(value, r, parse, [&] { FailText(name, value.ToString()); });
+}
+
+bool BreaksLength(unsigned long long length, const CPrimitiveRestrictions& r) {
+  const auto set = [](int facet) { return facet >= 0; };
+  const auto facet = [](int value) { return static_cast<unsigned long long>(value); };
+  return (set(r.GetMinLength()) && length < facet(r.GetMinLength())) ||
+         (set(r.GetMaxLength()) && length > facet(r.GetMaxLength())) ||
+         (set(r.GetLength()) && length != facet(r.GetLength()));
+}
+
+void CheckBinary(const char* name, const CBinaryData& value, const CPrimitiveRestrictions& r) {
+  if (BreaksLength(value.GetLength(), r)) FailText(name, value.GetAsHexString());
+}
+
+}  // namespace
+
+void CXmlObjectHelper::CheckRestriction(const char* name, const KoVariant& value, ItemType type,
+                                        const CPrimitiveRestrictions& r) {
+  switch (type) {
+    case ItemType_hexBinary: return CheckRestrictionForhexBinary(name, value.GetHexBinary(), r);
+    case ItemType_base64Binary: return CheckRestrictionForbase64Binary(name, value.GetBase64Binary(), r);
+    case ItemType_i1: return CheckRestrictionFori1(name, value.GetI1(), r);
+    case ItemType_i2: return CheckRestrictionFori2(name, value.GetI2(), r);
+    case ItemType_i4: return CheckRestrictionFori4(name, value.GetI4(), r);
+    case ItemType_i8: return CheckRestrictionFori8(name, value.GetI8(), r);
+    case ItemType_ui1: return CheckRestrictionForui1(name, value.GetUI1(), r);
+    case ItemType_ui2: return CheckRestrictionForui2(name, value.GetUI2(), r);
+    case ItemType_ui4: return CheckRestrictionForui4(name, value.GetUI4(), r);
+    case ItemType_ui8: return CheckRestrictionForui8(name, value.GetUI8(), r);
+    case ItemType_r4: return CheckRestrictionForr4(name, value.GetR4(), r);
+    case ItemType_r8: return CheckRestrictionForr8(name, value.GetR8(), r);
+    case ItemType_duration: return CheckRestrictionForduration(name, value.GetDuration(), r);
+    case ItemType_yearMonth: return CheckRestrictionForyearMonth(name, value.GetYearMonth(), r);
+    case ItemType_monthDay: return CheckRestrictionFormonthDay(name, value.GetMonthDay(), r);
+    case ItemType_year: return CheckRestrictionForyear(name, value.GetYear(), r);
+    case ItemType_month: return CheckRestrictionFormonth(name, value.GetMonth(), r);
+    case ItemType_day: return CheckRestrictionForday(name, value.GetDay(), r);
+    case ItemType_date: return CheckRestrictionFordate(name, value.GetDate(), r);
+    case ItemType_datetime: return CheckRestrictionFordatetime(name, value.GetDateTime(), r);
+    case ItemType_time: return CheckRestrictionFortime(name, value.GetTime(), r);
+    case ItemType_string: return CheckRestrictionForstring(name, value.GetString(), r);
+    case ItemType_boolean: return CheckRestrictionForboolean(name, value.GetBoolean(), r);
+    case ItemType_decimal: return CheckRestrictionFordecimal(name, value.GetDecimal(), r);
+    case ItemType_integer: return CheckRestrictionForinteger(name, value.GetInteger(), r);
+    default: throw CKoInvalidValueException("unknown type [" + value.GetType() + "]");
+  }
+}
+
+void CXmlObjectHelper::CheckRestrictionFori1(const char* name, char value, const CPrimitiveRestrictions& r) {
+  CheckWhole(name, value, r, C::i1FromString);
+}
+void CXmlObjectHelper::CheckRestrictionFori2(const char* name, short value, const CPrimitiveRestrictions& r) {
+  CheckWhole(name, value, r, C::i2FromString);
+}
+void CXmlObjectHelper::CheckRestrictionFori4(const char* name, long value, const CPrimitiveRestrictions& r) {
+  CheckWhole(name, value, r, C::i4FromString);
+}
+void CXmlObjectHelper::CheckRestrictionForui1(const char* name, unsigned char value,
+                                              const CPrimitiveRestrictions& r) {
+  CheckWhole(name, value, r, C::ui1FromString);
+}
+void CXmlObjectHelper::CheckRestrictionForui2(const char* name, unsigned short value,
+                                              const CPrimitiveRestrictions& r) {
+  CheckWhole(name, value, r, C::ui2FromString);
+}
+void CXmlObjectHelper::CheckRestrictionForui4(const char* name, unsigned long value,
+                                              const CPrimitiveRestrictions& r) {
+  CheckWhole(name, value, r, C::ui4FromString);
+}
+void CXmlObjectHelper::CheckRestrictionForday(const char* name, unsigned char value,
+                                              const CPrimitiveRestrictions& r) {
+  CheckWhole(name, value, r, C::dayFromString);
+}
+void CXmlObjectHelper::CheckRestrictionFormonth(const char* name, unsigned char value,
+                                                const CPrimitiveRestrictions& r) {
+  CheckWhole(name, value, r, C::monthFromString);
+}
+void CXmlObjectHelper::CheckRestrictionForyear(const char* name, unsigned short value,
+                                               const CPrimitiveRestrictions& r) {
+  CheckWhole(name, value, r, C::yearFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFori8(const char* name, long long value, const CPrimitiveRestrictions& r) {
+  CheckBounds(value, r, C::i8FromString, [&] { FailText(name, C::i8ToString(value)); });
+}
+void CXmlObjectHelper::CheckRestrictionForui8(const char* name, unsigned long long value,
+                                              const CPrimitiveRestrictions& r) {
+  CheckBounds(value, r, C::ui8FromString, [&] { FailText(name, C::ui8ToString(value)); });
+}
+
+void CXmlObjectHelper::CheckRestrictionForr4(const char* name, float value, const CPrimitiveRestrictions& r) {
+  CheckBounds(value, r, C::r4FromString, [&] { FailReal(name, value); });
+}
+void CXmlObjectHelper::CheckRestrictionForr8(const char* name, double value, const CPrimitiveRestrictions& r) {
+  CheckBounds(value, r, C::r8FromString, [&] { FailReal(name, value); });
+}
+
+void CXmlObjectHelper::CheckRestrictionFordecimal(const char* name, const CDecimal& value,
+                                                  const CPrimitiveRestrictions& r) {
+  CheckShownAsText(name, value, r, C::decimalFromString);
+}
+void CXmlObjectHelper::CheckRestrictionForinteger(const char* name, const CBigInteger& value,
+                                                  const CPrimitiveRestrictions& r) {
+  CheckShownAsText(name, value, r, C::integerFromString);
+}
+void CXmlObjectHelper::CheckRestrictionForduration(const char* name, const CDateTimeSpan& value,
+                                                   const CPrimitiveRestrictions& r) {
+  CheckShownAsText(name, value, r, C::durationFromString);
+}
+void CXmlObjectHelper::CheckRestrictionFordate(const char* name, const CDateTime& value,
+                                               const CPrimitiveRestrictions& r) {
+  CheckShownAsText(name, value, r, C::dateFromString);
+}
+void CXmlObjectHelper::CheckRestrictionFordatetime(const char* name, const CDateTime& value,
+                                                   const CPrimitiveRestrictions& r) {
+  CheckShownAsText(name, value, r, C::datetimeFromString);
+}
+void CXmlObjectHelper::CheckRestrictionFortime(const char* name, const CDateTime& value,
+                                               const CPrimitiveRestrictions& r) {
+  CheckShownAsText(name, value, r, C::timeFromString);
+}
+void CXmlObjectHelper::CheckRestrictionForyearMonth(const char* name, const CDateTime& value,
+                                                    const CPrimitiveRestrictions& r) {
+  CheckShownAsText(name, value, r, C::yearMonthFromString);
+}
+void CXmlObjectHelper::CheckRestrictionFormonthYear(const char* name, const CDateTime& value,
+                                                    const CPrimitiveRestrictions& r) {
+  CheckRestrictionForyearMonth(name, value, r);
+}
+void CXmlObjectHelper::CheckRestrictionFormonthDay(const char* name, const CDateTime& value,
+                                                   const CPrimitiveRestrictions& r) {
+  CheckShownAsText(name, value, r, C::monthDayFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionForboolean(const char*, bool, const CPrimitiveRestrictions&) {}
+
+void CXmlObjectHelper::CheckRestrictionForstring(const char* name, std::string value,
+                                                 const CPrimitiveRestrictions& r) {
+  if (BreaksLength(value.size(), r)) FailText(name, value);
+  if (!r.GetPattern().empty() && !TestRegEx(LocalTextAsUtf8(r.GetPattern()), value)) FailText(name, value);
+}
+
+void CXmlObjectHelper::CheckRestrictionForbase64Binary(const char* name, const CBinaryData& value,
+                                                       const CPrimitiveRestrictions& r) {
+  CheckBinary(name, value, r);
+}
+void CXmlObjectHelper::CheckRestrictionForhexBinary(const char* name, const CBinaryData& value,
+                                                    const CPrimitiveRestrictions& r) {
+  CheckBinary(name, value, r);
+}
+
+}  // namespace KoXmlLib10

@@ -1,0 +1,111 @@
+#define PCRE2_CODE_UNIT_WIDTH 8
+#include <pcre2.h>
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "KoXmlLib10/Exceptions.h"
+#include "KoXmlLib10/Facets.h"
+#include "KoXmlLib10/StringUtils.h"
+#include "members/Utf8Text.h"
+
+namespace KoXmlLib10 {
+
+namespace {
+
+// The XSD escapes PCRE lacks, in the order they are replaced. The escaped
+// backslash is parked on byte 0x01 first so that "\\i" stays a backslash
+// followed by 'i'.
+const std::pair<const char*, const char*> kTranslations[] = {
+    {"\\\\", "\x01"},
+    {"\\i", "([^\\W\\d]|:)"},
+    {"\\I", "([\\W\\d])"},
+    {"\\c", "(\\w|\\.|-|:)"},
+    {"\\C", "([^\\w\\.\\-\\:])"},
+    {"\\p{IsBasicLatin}", "[\\x{0}-\\x{7F}]"},
+    {"\\p{IsLatin-1Supplement}", "[\\x{80}-\\x{FF}]"},
+    {"\\p{IsLatinExtended-A}", "[\\x{100}-\\x{17F}]"},
+    {"\\p{IsLatinExtended-B}", "[\\x{180}-\\x{24F}]"},
+    {"\x01", "\\\\"},
+};
+
+std::string TranslateToPcre(std::string pattern) {
+  for (const auto& [xsd, pcre] : kTranslations) FindReplace(pattern, xsd, pcre);
+  return "^" + pattern + "$";
+}
+
+struct CodeFree {
+  void operator()(pcre2_code* code) const { pcre2_code_free(code); }
+};
+struct MatchDataFree {
+  void operator()(pcre2_match_data* data) const { pcre2_match_data_free(data); }
+};
+
+struct CompiledPattern {
+  std::unique_ptr<pcre2_code, CodeFree> code;
+  std::unique_ptr<pcre2_match_data, MatchDataFree> matchData;
+};
+
+CompiledPattern Compile(const std::string& pattern) {
+  const std::string translated = TranslateToPcre(pattern);
+  int error = 0;
+  PCRE2_SIZE offset = 0;
+  CompiledPattern compiled;
+  compiled.code.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(translated.c_str()), PCRE2_ZERO_TERMINATED,
+                                    PCRE2_UTF, &error, &offset, nullptr));
+  if (!compiled.code) {
+    PCRE2_UCHAR message[256];
+    if (pcre2_get_error_message(error, message, sizeof message) < 0) message[0] = 0;
+    throw CKoException(FormatString("Invalid Regular Expression: %s Error: '%s'", pattern.c_str(),
+                                    reinterpret_cast<const char*>(message)));
+  }
+  uint32_t captures = 0;
+  pcre2_pattern_info(compiled.code.get(), PCRE2_INFO_CAPTURECOUNT, &captures);
+  compiled.matchData.reset(pcre2_match_data_create(captures + 1, nullptr));
+  if (!compiled.matchData) throw std::bad_alloc();
+  return compiled;
+}
+
+// The writer checks the pattern of every value it writes, so each thread keeps
+// its recently compiled patterns (keyed by the pattern's text, oldest evicted
+// first). Patterns that do not compile are not kept and fail on every call.
+class PatternCache {
+ public:
+  static constexpr size_t kCapacity = 64;
+
+  CompiledPattern& Get(const std::string& pattern) {
+    const auto found = m_entries.find(pattern);
+    if (found != m_entries.end()) return found->second;
+    CompiledPattern compiled = Compile(pattern);
+    if (m_entries.size() == kCapacity) {
+      m_entries.erase(m_order.front());
+      m_order.pop_front();
+    }
+    m_order.push_back(pattern);
+    return m_entries.emplace(pattern, std::move(compiled)).first->second;
+  }
+
+ private:
+  std::unordered_map<std::string, CompiledPattern> m_entries;
+  std::deque<std::string> m_order;
+};
+
+bool MatchesWhole(CompiledPattern& compiled, const std::string& subject) {
+  const int rc = pcre2_match(compiled.code.get(), reinterpret_cast<PCRE2_SPTR>(subject.data()), subject.size(), 0,
+                             PCRE2_ANCHORED, compiled.matchData.get(), nullptr);
+  if (rc <= 0) return false;
+  const PCRE2_SIZE* ovector = pcre2_get_ovector_pointer(compiled.matchData.get());
+  return ovector[0] == 0 && ovector[1] == subject.size();
+}
+
+}  // namespace
+
+bool TestRegEx(std::string pattern, std::string value) {
+  thread_local PatternCache cache;
+  return MatchesWhole(cache.Get(pattern), LocalTextAsUtf8(value));
+}
+
+}  // namespace KoXmlLib10
