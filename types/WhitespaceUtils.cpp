@@ -15,6 +15,17 @@ std::string_view UpToNul(const std::string& text) {
   return std::string_view(text).substr(0, nul);
 }
 
+// True when collapsing would change nothing: no NUL, no TAB, CR or LF, and
+// single spaces only between other characters. Most values are like that.
+bool IsCollapsed(std::string_view text) {
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '\0' || IsLineOrTab(c)) return false;
+    if (c == ' ' && (i == 0 || i + 1 == text.size() || text[i - 1] == ' ')) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 bool CWhitespaceUtils::IsWhiteSpace(char c) { return c == ' ' || IsLineOrTab(c); }
@@ -71,13 +82,8 @@ std::string CWhitespaceUtils::Replace(const std::string& text) {
 }
 
 std::string CWhitespaceUtils::Collapse(const std::string& text) {
+  if (IsCollapsed(text)) return text;
   const std::string_view in = UpToNul(text);
-  const bool clean = in.size() == text.size() && !in.empty() && !IsWhiteSpace(in.front()) &&
-                     !IsWhiteSpace(in.back()) &&
-                     in.find_first_of("\r\n\t") == std::string_view::npos &&
-                     in.find("  ") == std::string_view::npos;
-  if (clean || text.empty()) return text;
-
   std::string out;
   out.reserve(in.size());
   bool pendingSpace = false;
