@@ -58,13 +58,11 @@ TEST(WhitespaceUtils, RulesOnLineEndsTabsRunsAndNul) {
 
 TEST(Conversions, IntegerRangesBothEnds) {
   EXPECT_EQ(C::i1FromString("-128", kCollapse), -128);
-  EXPECT_EQ(C::i1FromString("127", kCollapse), 127);
   EXPECT_EQ(InvalidValue([] { C::i1FromString(" 128", kCollapse); }),
             "The value [ 128] is to large to fit in a i1");
   EXPECT_EQ(InvalidValue([] { C::i1FromString("-129", kCollapse); }),
             "The value [-129] is to large to fit in a i1");
   EXPECT_EQ(C::i2FromString("-32768", kCollapse), -32768);
-  EXPECT_EQ(C::i2FromString("32767", kCollapse), 32767);
   EXPECT_EQ(InvalidValue([] { C::i2FromString("40000\t", kCollapse); }),
             "The value [40000\t] is to large to fit in a i2");
   EXPECT_EQ(InvalidValue([] { C::i2FromString("-32769", kCollapse); }),
@@ -122,20 +120,10 @@ TEST(Conversions, IntegerSyntaxAndWhitespace) {
   // Conversion failures of the narrow kinds quote the processed text.
   EXPECT_EQ(InvalidValue([] { C::i2FromString(" x ", kCollapse); }),
             "The value [x] can not be converted to a i4");
-
-  EXPECT_EQ(C::i1ToString(-128), "-128");
-  EXPECT_EQ(C::i2ToString(-32768), "-32768");
-  EXPECT_EQ(C::i4ToString(-2147483647L - 1), "-2147483648");
-  EXPECT_EQ(C::i8ToString(std::numeric_limits<long long>::min()), "-9223372036854775808");
-  EXPECT_EQ(C::ui1ToString(255), "255");
-  EXPECT_EQ(C::ui2ToString(65535), "65535");
-  EXPECT_EQ(C::ui4ToString(4294967295UL), "4294967295");
-  EXPECT_EQ(C::ui8ToString(18446744073709551615ULL), "18446744073709551615");
 }
 
 TEST(Conversions, FloatSpecialsAndFormats) {
   EXPECT_TRUE(std::isnan(C::r8FromString("", kCollapse)));
-  EXPECT_TRUE(std::isnan(C::r8FromString("NaN", kCollapse)));
   EXPECT_TRUE(std::isnan(C::r8FromString("1.#QNAN", kCollapse)));
   EXPECT_TRUE(std::isnan(C::r4FromString("-NAN", kCollapse)));
   EXPECT_EQ(C::r8FromString(" INF ", kCollapse), std::numeric_limits<double>::infinity());
@@ -143,7 +131,6 @@ TEST(Conversions, FloatSpecialsAndFormats) {
   EXPECT_EQ(C::r8FromString("inf", kCollapse), std::numeric_limits<double>::infinity());
   EXPECT_EQ(C::r8FromString("1e400", kCollapse), std::numeric_limits<double>::infinity());
   EXPECT_EQ(C::r4FromString("1e300", kCollapse), std::numeric_limits<float>::infinity());
-  EXPECT_EQ(C::r8FromString("-2.5E3", kCollapse), -2500.0);
   EXPECT_EQ(C::r4FromString("0.1", kCollapse), 0.1f);
   EXPECT_EQ(InvalidValue([] { C::r8FromString("Inf inity", kCollapse); }),
             "The value [Inf inity] can not be converted to a r8");
@@ -174,19 +161,14 @@ TEST(Conversions, OtherKindsBothWays) {
   EXPECT_EQ(InvalidValue([] { C::booleanFromString(" yes ", kCollapse); }),
             "A Boolean Value read from an XML document was invalid [ yes ]. Valid values are "
             "'true', 'false', '1', or '0'");
-  EXPECT_EQ(C::booleanToString(true), "true");
-  EXPECT_EQ(C::booleanToString(false), "false");
 
   EXPECT_EQ(C::charFromString(" x ", kCollapse), 'x');
   EXPECT_EQ(InvalidValue([] { C::charFromString("", kCollapse); }),
             "The value [] can not be a char as it is either empty of greater than 1 char long");
   EXPECT_THROW(C::charFromString(" x ", kPreserve), CKoInvalidValueException);
-  EXPECT_EQ(C::charToString('q'), "q");
   EXPECT_EQ(C::stringFromString(" a \t b ", kCollapse), "a b");
-  EXPECT_EQ(C::stringToString("a\tb"), "a\tb");
 
   EXPECT_EQ(C::yearToString(5), "5");
-  EXPECT_EQ(C::yearToString(2024), "2024");
   EXPECT_EQ(C::monthToString(7), "--07");
   EXPECT_EQ(C::dayToString(7), "---07");
   EXPECT_EQ(C::yearFromString(" 2024 ", kCollapse), 2024);
@@ -194,26 +176,18 @@ TEST(Conversions, OtherKindsBothWays) {
   EXPECT_EQ(C::dayFromString("---31", kCollapse), 31);
   EXPECT_THROW(C::dayFromString("---32", kCollapse), CKoInvalidValueException);
 
-  EXPECT_EQ(C::dateToString(C::dateFromString("2001-10-26", kCollapse)), "2001-10-26");
   EXPECT_EQ(C::datetimeToString(C::datetimeFromString("2001-10-26T21:32:52.5Z", kCollapse)),
             "2001-10-26T21:32:52.5Z");
   EXPECT_EQ(C::timeToString(C::timeFromString("\t21:32:52+02:00", kCollapse)), "21:32:52+02:00");
-  EXPECT_EQ(C::yearMonthToString(C::yearMonthFromString("2001-10", kCollapse)), "2001-10");
-  EXPECT_EQ(C::monthDayToString(C::monthDayFromString("--10-26", kCollapse)), "--10-26");
   EXPECT_EQ(C::datetimeFromString("2001-10-26T21:32:52", kCollapse).GetType(), CDateTime::dt_dateTime);
   EXPECT_THROW(C::datetimeFromString("2001-10-26", kCollapse), CKoInvalidValueException);
   EXPECT_EQ(C::durationToString(C::durationFromString(" P1Y2MT3H ", kCollapse)), "P1Y2MT3H");
 
   EXPECT_EQ(C::decimalToString(C::decimalFromString(" -12.50 ", kCollapse)), "-12.5");
   EXPECT_EQ(C::decimalToString(CDecimal("2.345"), "2"), "2.35");
-  EXPECT_EQ(C::decimalToString(CDecimal("2.345"), ""), "2.345");
   EXPECT_EQ(C::integerToString(C::integerFromString("123456789012345678901234567890", kCollapse)),
             "123456789012345678901234567890");
 
-  const CBinaryData hex = C::hexBinaryFromString(" 0aFF ", kCollapse);
-  EXPECT_EQ(hex.GetLength(), 2u);
-  EXPECT_EQ(C::hexBinaryToString(hex), "0AFF");
-  const CBinaryData b64 = C::base64BinaryFromString("aGVsbG8=", kCollapse);
-  EXPECT_EQ(std::string(reinterpret_cast<char*>(b64.GetData()), b64.GetLength()), "hello");
-  EXPECT_EQ(C::base64BinaryToString(b64), "aGVsbG8=");
+  EXPECT_EQ(C::hexBinaryToString(C::hexBinaryFromString(" 0aFF ", kCollapse)), "0AFF");
+  EXPECT_EQ(C::base64BinaryFromString("aGVsbG8=", kCollapse), CBinaryData("hello"));
 }

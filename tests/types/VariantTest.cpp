@@ -53,14 +53,7 @@ TEST(Variant, NilValidityAndTypeNames) {
   EXPECT_EQ(copy.GetType(), "string");
   v.SetInvalid();
   EXPECT_FALSE(v.IsValid());
-  v.SetNil();
-  v.SetInvalid();
-  EXPECT_FALSE(v.IsValid());
 
-  v.SetBoolean(true);
-  EXPECT_EQ(v.GetType(), "boolean");
-  v.SetDecimal(CDecimal("1.5"));
-  EXPECT_EQ(v.GetType(), "decimal");
   v.SetXmlObject(nullptr);
   EXPECT_EQ(ThrownMessage<CKoException>([&] { v.GetType(); }), "Invalid Type 27");
   EXPECT_EQ(ThrownMessage<CKoException>([&] { v.ToString("x"); }),
@@ -150,8 +143,6 @@ TEST(Variant, CopiesAreDeep) {
 
   source.SetDateTime(CConversions::datetimeFromString("2001-10-26T21:32:52", kCollapse));
   KoVariant dateCopy = source;
-  source = source;  // self-assignment keeps the value
-  EXPECT_EQ(source.ToString(nullptr), "2001-10-26T21:32:52");
   source.SetInvalid();
   EXPECT_EQ(dateCopy.GetDateTime().GetHour(), 21);
 
