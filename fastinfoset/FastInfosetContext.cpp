@@ -9,7 +9,8 @@ const char* const CFIVocabulary::FI_DEFAULT_PREFIX = "xml";
 const char* const CFIVocabulary::FI_DEFAULT_NAMESPACE = "http://www.w3.org/XML/1998/namespace";
 
 CFIVocabulary::CFIVocabulary() {
-  m_restrictedAlphabets = {"0123456789-+.e ", "0123456789-:TZ "};
+  // The two built-in alphabets of Fast Infoset: numeric and date-time.
+  m_restrictedAlphabets = {"0123456789-+.E ", "0123456789-:TZ "};
   AddPrefixName(FI_DEFAULT_PREFIX);
   AddNamespaceName(FI_DEFAULT_NAMESPACE);
 }
@@ -98,7 +99,7 @@ void CFIVocabulary::AddQName(const std::string& prefix, const std::string& names
                              const std::string& localName, IndexMap& names,
                              CFIQNameTable& table) {
   const std::string key = QNameKey(prefix, namespaceUri, localName);
-  if (names.count(key) || names.size() >= MAX_ENTRIES) return;
+  if (names.count(key)) return;
   const unsigned long prefixIndex =
       prefix.empty() ? 0 : IndexOrAdd(prefix, m_prefixNames, m_prefixNamesTable);
   const unsigned long namespaceIndex =

@@ -22,6 +22,7 @@
 #include "KoXmlLib10/Streams.h"
 #include "KoXmlLib10/XmlWriter.h"
 #include "KoXmlLib10/XmlTextWriter.h"
+#include "KoXmlLib10/FastInfosetWriter.h"
 #include "KoXmlLib10/Conversions.h"
 #include "KoXmlLib10/XmlDocument.h"
 #include "KoXmlLib10/XmlObjectBase.h"

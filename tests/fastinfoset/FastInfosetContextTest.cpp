@@ -12,7 +12,7 @@ TEST(FIVocabulary, InitialContentAndFirstAdditions) {
   EXPECT_TRUE(v.FindNamespaceNameIndex("http://www.w3.org/XML/1998/namespace", index));
   EXPECT_EQ(index, 1u);
   EXPECT_FALSE(v.FindLocalNameIndex("xml", index));
-  EXPECT_EQ(v.GetRestrictedAlphabets().at(0), "0123456789-+.e ");
+  EXPECT_EQ(v.GetRestrictedAlphabets().at(0), "0123456789-+.E ");
   EXPECT_EQ(v.GetRestrictedAlphabets().at(1), "0123456789-:TZ ");
 
   v.AddPrefixName("p");
@@ -46,7 +46,8 @@ TEST(FIVocabulary, QualifiedNamesShareTheirParts) {
 }
 
 TEST(FIVocabulary, FullTablesStopGrowing) {
-  CFIVocabulary::IndexMap m;
+  CFIVocabulary v;
+  CFIVocabulary::IndexMap& m = v.GetElementNamesMap();
   CFIStringTable t;
   for (size_t i = 0; i < CFIVocabulary::MAX_ENTRIES; ++i) {
     CFIVocabulary::AddValueToMap(std::to_string(i), m);
@@ -58,6 +59,14 @@ TEST(FIVocabulary, FullTablesStopGrowing) {
   EXPECT_EQ(t.size(), CFIVocabulary::MAX_ENTRIES);
   unsigned long index = 0;
   EXPECT_FALSE(CFIVocabulary::FindIndex(m, "one more", index));
+
+  // A name that no longer fits still enters its parts.
+  v.AddElement("p", "urn:a", "x");
+  EXPECT_EQ(m.size(), CFIVocabulary::MAX_ENTRIES);
+  EXPECT_TRUE(v.FindPrefixNameIndex("p", index));
+  EXPECT_EQ(index, 2u);
+  EXPECT_TRUE(v.FindNamespaceNameIndex("urn:a", index));
+  EXPECT_TRUE(v.FindLocalNameIndex("x", index));
 }
 
 TEST(FIVocabulary, CopiesAreIndependent) {

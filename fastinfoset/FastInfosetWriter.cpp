@@ -1,0 +1,643 @@
+#include "KoXmlLib10/FastInfosetWriter.h"
+
+#include <cstring>
+
+#include "KoXmlLib10/Exceptions.h"
+#include "KoXmlLib10/FastInfosetBinaryData.h"
+#include "KoXmlLib10/Streams.h"
+#include "KoXmlLib10/Unicode.h"
+
+namespace KoXmlLib10 {
+
+const char* const FI_DECLARATION_LIST[9] = {
+    "<?xml encoding='finf'?>",
+    "<?xml encoding='finf' standalone='yes'?>",
+    "<?xml encoding='finf' standalone='no'?>",
+    "<?xml version='1.0' encoding='finf'?>",
+    "<?xml version='1.0' encoding='finf' standalone='yes'?>",
+    "<?xml version='1.0' encoding='finf' standalone='no'?>",
+    "<?xml version='1.1' encoding='finf'?>",
+    "<?xml version='1.1' encoding='finf' standalone='yes'?>",
+    "<?xml version='1.1' encoding='finf' standalone='no'?>",
+};
+
+const char* const CFastInfosetWriter::FI_DEFAULT_VOCABULARY_URI =
+    "urn:tesselbind:koxmllib10:vocabulary";
+
+namespace {
+
+const std::string kSchemaInstanceNamespace = "http://www.w3.org/2001/XMLSchema-instance";
+const std::string kTypeAttribute = "type";
+const std::string kNilAttribute = "nil";
+const std::string kTrue = "true";
+
+constexpr unsigned long kMaxIndex = 1ul << 20;
+constexpr size_t kMaxAlphabetLength = size_t(1) << 20;
+
+constexpr unsigned char kTerminator = 0xF0;
+constexpr unsigned char kDoubleTerminator = 0xFF;
+constexpr unsigned char kElementHasAttributes = 0x40;
+constexpr unsigned char kElementHasNamespaceAttributes = 0x38;
+constexpr unsigned char kNamespaceAttribute = 0xCC;  // | 0x02 prefix, | 0x01 namespace name
+constexpr unsigned char kIdentifyingIndex = 0x80;
+constexpr unsigned char kEmptyAttributeValue = 0xFF;  // index 0 on the second bit
+constexpr unsigned char kAddToTableBit2 = 0x40;
+constexpr unsigned char kCharacterChunkIndex = 0x20;
+constexpr unsigned char kAddToTableBit4 = 0x10;
+
+enum EncodingKind : uint32_t { kDefaultString = 0, kRestrictedAlphabet = 1, kAlgorithm = 2 };
+constexpr uint32_t kBuiltInAlphabets = 2;
+constexpr uint32_t kBuiltInAlgorithms = 10;
+constexpr uint32_t kCdataAlgorithm = 10;  // marks CDATA sections: content only, never attribute values
+
+// An integer from 1 to 2^20 starting on a given bit: a short form in the bits
+// of the first octet, then ever longer forms, each marked by its tag bits.
+struct IntegerForm {
+  unsigned long small;
+  unsigned char mediumTag;
+  int mediumBits;
+  unsigned char largeTag;
+  int largeBits;
+  unsigned char hugeTag;  // the 20-bit form in octets of its own
+};
+constexpr IntegerForm kIntegerOnBit2{64, 0x40, 13, 0x60, 20, 0};
+constexpr IntegerForm kIntegerOnBit3{32, 0x20, 11, 0x28, 19, 0x30};
+constexpr IntegerForm kIntegerOnBit4{16, 0x10, 10, 0x14, 18, 0x18};
+
+// The length of a non-empty octet string starting on a given bit: short in
+// the first octet, medium in one more octet, large in four.
+struct LengthForm {
+  size_t small;
+  unsigned char mediumTag;
+  unsigned char largeTag;
+};
+constexpr LengthForm kLengthOnBit2{64, 0x40, 0x60};
+constexpr LengthForm kLengthOnBit5{8, 0x08, 0x0C};
+constexpr LengthForm kLengthOnBit7{2, 0x02, 0x03};
+
+const IntegerForm& IntegerFormOn(int startBit) {
+  return startBit == 2 ? kIntegerOnBit2 : startBit == 3 ? kIntegerOnBit3 : kIntegerOnBit4;
+}
+
+const LengthForm& LengthFormOn(int startBit) {
+  return startBit == 2 ? kLengthOnBit2 : startBit == 5 ? kLengthOnBit5 : kLengthOnBit7;
+}
+
+void PutByte(std::string& out, unsigned long byte) { out += static_cast<char>(byte & 0xFF); }
+
+std::string_view ViewOf(const CBinaryData& data) {
+  return std::string_view(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
+}
+
+bool StartsWith(const std::string& text, const char* start) {
+  return text.compare(0, std::strlen(start), start) == 0;
+}
+
+}  // namespace
+
+// Collects the octets of one public operation and hands them to the stream
+// when the outermost operation ends, so that a run of calls costs one append.
+class CFastInfosetWriter::COperation {
+ public:
+  explicit COperation(CFastInfosetWriter& writer) : m_writer(writer) { ++m_writer.m_operationDepth; }
+  ~COperation() {
+    if (--m_writer.m_operationDepth != 0 || m_writer.m_out.empty()) return;
+    // Only an exception gets here with octets left: they stay written, and
+    // a failure to store them must not replace the exception in flight.
+    try {
+      m_writer.Commit();
+    } catch (...) {
+    }
+  }
+  COperation(const COperation&) = delete;
+  COperation& operator=(const COperation&) = delete;
+
+  void Done() {
+    if (m_writer.m_operationDepth == 1) m_writer.Commit();
+  }
+
+ private:
+  CFastInfosetWriter& m_writer;
+};
+
+CFastInfosetWriter::CFastInfosetWriter(const CFastInfosetContext& context, CBinaryStream& stream)
+    : m_stream(stream),
+      m_context(context),
+      m_vocabulary(context.GetUseGeneratedVocabulary()
+                       ? std::make_unique<CFIVocabulary>(*context.GetVocabulary())
+                       : std::make_unique<CFIVocabulary>()) {}
+
+CFastInfosetWriter::~CFastInfosetWriter() = default;
+
+void CFastInfosetWriter::Commit() {
+  if (m_out.empty()) return;
+  m_stream.Append(reinterpret_cast<unsigned char*>(m_out.data()), m_out.size());
+  m_out.clear();
+}
+
+// ---- document and element structure ----------------------------------------
+
+void CFastInfosetWriter::WriteStartDocument(FInfoDecl decl) {
+  COperation operation(*this);
+  if (decl < FInfoDeclNone || decl > FInfoDecl11StandaloneNo)
+    throw CKoException(FormatString("Failed to write FastInfoset. Invalid XML declaration [%d]",
+                                    static_cast<int>(decl)));
+  if (decl != FInfoDeclNone) m_out += FI_DECLARATION_LIST[decl - 1];
+  m_out.append("\xE0\x00\x00\x01", 4);
+  if (!m_context.GetUseGeneratedVocabulary()) {
+    PutByte(m_out, 0x00);  // no optional components
+  } else {
+    PutByte(m_out, 0x20);  // an initial vocabulary ...
+    m_out.append("\x10\x00", 2);  // ... holding only a reference to an external one
+    const std::string uri = m_context.GetExternalVocabularyURI();
+    PutOctets(0x00, Utf8Of(uri.empty() ? FI_DEFAULT_VOCABULARY_URI : uri), 2);
+  }
+  operation.Done();
+}
+
+void CFastInfosetWriter::WriteEndDocument() {
+  COperation operation(*this);
+  if (GetCurrentContext()) throw CKoException("An Element has not been closed.");
+  PutByte(m_out, m_pendingTerminator ? kDoubleTerminator : kTerminator);
+  m_pendingTerminator = false;
+  operation.Done();
+}
+
+void CFastInfosetWriter::WriteComment(const std::string&) {}
+
+void CFastInfosetWriter::WritePI(const std::string&) {}
+
+void CFastInfosetWriter::WriteInlineSchema(const std::string&) {}
+
+void CFastInfosetWriter::WriteStartElement(const std::string& localName,
+                                           const std::string& namespaceUri) {
+  COperation operation(*this);
+  CloseStartTag();
+  if (CXmlWriterContext* parent = GetCurrentContext())
+    parent->SetChildCount(parent->GetChildCount() + 1);
+  WritePendingTerminator();
+
+  CXmlWriterContext* element = PushContext(localName, namespaceUri);
+  m_pendingElement = element;
+  m_pendingPrefix.clear();
+  m_declarations.clear();
+  m_heldCount = 0;
+  if (namespaceUri.empty()) {
+    // Otherwise the element would read back in the inherited default namespace.
+    if (!element->GetDefaultNamespace().empty()) {
+      m_declarations.push_back(CDeclaration{});
+      element->SetDefaultNamespace(std::string());
+    }
+  } else if (namespaceUri != element->GetDefaultNamespace()) {
+    m_pendingPrefix = PrefixFor(namespaceUri);
+  }
+  operation.Done();
+}
+
+void CFastInfosetWriter::WriteElement(bool hasAttributes) {
+  if (!m_pendingElement) return;
+  COperation operation(*this);
+  CXmlWriterContext* element = m_pendingElement;
+  m_pendingElement = nullptr;
+  const bool withAttributes = hasAttributes || m_heldCount > 0;
+  element->SetAttributesWritten(withAttributes);
+
+  unsigned char octet = withAttributes ? kElementHasAttributes : 0x00;
+  const bool outermost = element->GetParent() == nullptr;
+  if (outermost || !m_declarations.empty()) {
+    PutByte(m_out, octet | kElementHasNamespaceAttributes);
+    if (outermost) {
+      if (!element->GetDefaultNamespace().empty())
+        WriteNamespaceAttribute(std::string(), element->GetDefaultNamespace());
+      for (const auto& [uri, prefix] : GetRootNamespaceMap())
+        if (!StartsWith(uri, XML_NAMESPACE)) WriteNamespaceAttribute(prefix, uri);
+    }
+    for (const CDeclaration& declaration : m_declarations)
+      WriteNamespaceAttribute(declaration.prefix, declaration.uri);
+    m_declarations.clear();
+    PutByte(m_out, kTerminator);
+    octet = 0x00;
+  }
+  PutQualifiedName(octet, 3, m_pendingPrefix, element->GetNamespaceUri(), element->GetLocalName(),
+                   m_vocabulary->GetElementNamesMap());
+
+  for (size_t i = 0; i < m_heldCount; ++i) WriteAttribute(m_heldAttributes[i]);
+  m_heldCount = 0;
+  // The attribute list ends with a terminator, which can share its octet with the element's.
+  if (withAttributes) m_pendingTerminator = true;
+  operation.Done();
+}
+
+void CFastInfosetWriter::CloseStartTag() {
+  WriteElement(m_heldCount > 0);
+  if (CXmlWriterContext* current = GetCurrentContext()) current->SetStartTagOpen(false);
+}
+
+void CFastInfosetWriter::WritePendingTerminator() {
+  if (!m_pendingTerminator) return;
+  PutByte(m_out, kTerminator);
+  m_pendingTerminator = false;
+}
+
+void CFastInfosetWriter::WriteString(const std::string& text, ItemType type) {
+  if (text.empty()) return;  // a character chunk is never empty
+  COperation operation(*this);
+  if (!GetCurrentContext())
+    throw CKoException("Failed to write FastInfoset. Text must be inside an Element.");
+  CloseStartTag();
+  WritePendingTerminator();
+  PutCharacterChunk(0x80, text, m_vocabulary->GetCharacterChunksMap(),
+                    m_context.GetElementMaxAddLength(), type);
+  operation.Done();
+}
+
+void CFastInfosetWriter::WriteEndElement() {
+  COperation operation(*this);
+  if (!GetCurrentContext()) throw CKoException("There is no open Element to end.");
+  CloseStartTag();
+  if (m_pendingTerminator) {
+    PutByte(m_out, kDoubleTerminator);  // the one owed and this element's
+    m_pendingTerminator = false;
+  } else {
+    m_pendingTerminator = true;
+  }
+  PopContext();
+  operation.Done();
+}
+
+void CFastInfosetWriter::WriteNamespaceAttribute(const std::string& prefix, const std::string& uri) {
+  PutByte(m_out, kNamespaceAttribute | (prefix.empty() ? 0 : 0x02) | (uri.empty() ? 0 : 0x01));
+  if (!prefix.empty()) PutIdentifyingString(prefix, m_vocabulary->GetPrefixNamesMap());
+  if (!uri.empty()) PutIdentifyingString(uri, m_vocabulary->GetNamespaceNamesMap());
+}
+
+std::string CFastInfosetWriter::PrefixFor(const std::string& uri) {
+  bool declared = false;
+  std::string prefix = PrefixInScope(uri, declared);
+  if (declared) m_declarations.push_back(CDeclaration{prefix, uri});
+  return prefix;
+}
+
+// ---- attributes -------------------------------------------------------------
+
+void CFastInfosetWriter::RequireOpenStartTag() const {
+  const CXmlWriterContext* current = GetCurrentContext();
+  if (!current || !current->GetStartTagOpen())
+    throw CKoException("Attributes must be added before elements");
+}
+
+void CFastInfosetWriter::WriteAttributeString(const std::string& localName,
+                                              const std::string& namespaceUri,
+                                              const std::string& value, ItemType type) {
+  COperation operation(*this);
+  RequireOpenStartTag();
+  if (!m_pendingElement && !GetCurrentContext()->GetAttributesWritten())
+    throw CKoException("Attributes must be added before elements");
+  if (m_heldCount == m_heldAttributes.size()) m_heldAttributes.emplace_back();
+  CHeldAttribute& attribute = m_heldAttributes[m_heldCount++];
+  // An attribute without a prefix is in no namespace, whatever the default.
+  if (namespaceUri.empty())
+    attribute.prefix.clear();
+  else
+    attribute.prefix = PrefixFor(namespaceUri);
+  attribute.namespaceUri = namespaceUri;
+  attribute.localName = localName;
+  attribute.value = value;
+  attribute.type = type;
+  // Held with a pending header; after a header written ahead, written at once.
+  if (!m_pendingElement) {
+    m_heldCount = 0;
+    WriteAttribute(attribute);
+  }
+  operation.Done();
+}
+
+void CFastInfosetWriter::WriteAttribute(const CHeldAttribute& attribute) {
+  PutQualifiedName(0x00, 2, attribute.prefix, attribute.namespaceUri, attribute.localName,
+                   m_vocabulary->GetAttributeNamesMap());
+  PutAttributeValue(attribute.value, m_vocabulary->GetAttributeValuesMap(),
+                    m_context.GetAttributeMaxAddLength(), attribute.type);
+}
+
+void CFastInfosetWriter::WriteAttributeType(const std::string& typeNamespaceUri,
+                                            const std::string& typeName, ItemType type) {
+  COperation operation(*this);
+  RequireOpenStartTag();
+  if (typeNamespaceUri.empty() || typeNamespaceUri == GetCurrentContext()->GetDefaultNamespace()) {
+    WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, typeName, type);
+  } else {
+    // The value's prefix is declared on this element when it is not in scope,
+    // so that a reader can resolve it.
+    const std::string prefix = PrefixFor(typeNamespaceUri);
+    WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, prefix + ":" + typeName, type);
+  }
+  operation.Done();
+}
+
+void CFastInfosetWriter::WriteAttributeNil() {
+  COperation operation(*this);
+  RequireOpenStartTag();
+  WriteAttributeString(kNilAttribute, kSchemaInstanceNamespace, kTrue, ItemType_boolean);
+  operation.Done();
+}
+
+// ---- encoders ---------------------------------------------------------------
+
+void CFastInfosetWriter::PutInteger(unsigned char prefix, unsigned long value, int startBit) {
+  if (value < 1 || value > kMaxIndex)
+    throw CKoException(
+        FormatString("Failed to write FastInfoset. Invalid integer value [%lu]", value));
+  const IntegerForm& form = IntegerFormOn(startBit);
+  unsigned long rest = value - 1;
+  if (rest < form.small) return PutByte(m_out, prefix | rest);
+  rest -= form.small;
+  if (rest < (1ul << form.mediumBits)) {
+    PutByte(m_out, prefix | form.mediumTag | (rest >> 8));
+    return PutByte(m_out, rest);
+  }
+  rest -= 1ul << form.mediumBits;
+  if (rest < (1ul << form.largeBits)) {
+    PutByte(m_out, prefix | form.largeTag | (rest >> 16));
+  } else {
+    rest -= 1ul << form.largeBits;
+    PutByte(m_out, prefix | form.hugeTag);
+    PutByte(m_out, (rest >> 16) & 0x0F);
+  }
+  PutByte(m_out, rest >> 8);
+  PutByte(m_out, rest);
+}
+
+void CFastInfosetWriter::PutLength(unsigned char prefix, size_t length, int startBit) {
+  if (length == 0)
+    throw CKoException("Failed to write FastInfoset. Empty string in NonEmptyOctetString.");
+  const LengthForm& form = LengthFormOn(startBit);
+  if (length <= form.small) return PutByte(m_out, prefix | (length - 1));
+  if (length <= form.small + 256) {
+    PutByte(m_out, prefix | form.mediumTag);
+    return PutByte(m_out, length - form.small - 1);
+  }
+  const unsigned long long rest = length - form.small - 257;
+  if (rest > 0xFFFFFFFFull)
+    throw CKoException("Failed to write FastInfoset. Octet string too long.");
+  PutByte(m_out, prefix | form.largeTag);
+  for (int shift = 24; shift >= 0; shift -= 8) PutByte(m_out, static_cast<unsigned long>(rest >> shift));
+}
+
+void CFastInfosetWriter::PutOctets(unsigned char prefix, std::string_view octets, int startBit) {
+  PutLength(prefix, octets.size(), startBit);
+  m_out.append(octets.data(), octets.size());
+}
+
+std::string_view CFastInfosetWriter::Utf8Of(const std::string& text) {
+  const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text.data());
+  size_t i = 0;
+  while (i < text.size() && bytes[i] != 0 && bytes[i] < 0x80) ++i;
+  // Text counts up to its first NUL, as in every conversion of local text.
+  if (i == text.size() || bytes[i] == 0) return std::string_view(text.data(), i);
+  const CBinaryData utf8 = CEncoder::LocalCodePageToUtf8Binary(text.c_str());
+  m_utf8.assign(ViewOf(utf8));
+  return m_utf8;
+}
+
+void CFastInfosetWriter::PutIdentifyingString(const std::string& text,
+                                              CFIVocabulary::IndexMap& strings) {
+  unsigned long index = 0;
+  if (CFIVocabulary::FindIndex(strings, text, index)) return PutInteger(kIdentifyingIndex, index, 2);
+  PutOctets(0x00, Utf8Of(text), 2);
+  CFIVocabulary::AddValueToMap(text, strings);
+}
+
+void CFastInfosetWriter::PutQualifiedName(unsigned char prefix, int startBit,
+                                          const std::string& namePrefix,
+                                          const std::string& namespaceUri,
+                                          const std::string& localName,
+                                          CFIVocabulary::IndexMap& names) {
+  m_key.assign(localName);
+  m_key += '\x01';
+  m_key += namespaceUri;
+  m_key += '\x01';
+  m_key += namePrefix;
+  unsigned long index = 0;
+  if (CFIVocabulary::FindIndex(names, m_key, index)) return PutInteger(prefix, index, startBit);
+
+  if (!namePrefix.empty() && namespaceUri.empty())
+    throw CKoException("Failed to write FastInfoset. Invalid QName type Prefix without Namespace.");
+  const unsigned char literal = startBit == 3 ? 0x3C : 0x78;
+  PutByte(m_out, prefix | literal | (namePrefix.empty() ? 0 : 0x02) | (namespaceUri.empty() ? 0 : 0x01));
+  if (!namePrefix.empty()) PutIdentifyingString(namePrefix, m_vocabulary->GetPrefixNamesMap());
+  if (!namespaceUri.empty())
+    PutIdentifyingString(namespaceUri, m_vocabulary->GetNamespaceNamesMap());
+  PutIdentifyingString(localName, m_vocabulary->GetLocalNamesMap());
+  CFIVocabulary::AddValueToMap(m_key, names);
+}
+
+void CFastInfosetWriter::PutAttributeValue(const std::string& value,
+                                           CFIVocabulary::IndexMap& values,
+                                           unsigned long maxAddLength, ItemType type) {
+  if (value.empty()) return PutByte(m_out, kEmptyAttributeValue);
+  if (value.size() >= maxAddLength) return PutEncodedCharacterString(0x00, value, type, 3);
+  unsigned long index = 0;
+  if (CFIVocabulary::FindIndex(values, value, index)) return PutInteger(0x80, index, 2);
+  PutEncodedCharacterString(kAddToTableBit2, value, type, 3);
+  CFIVocabulary::AddValueToMap(value, values);
+}
+
+void CFastInfosetWriter::PutCharacterChunk(unsigned char prefix, const std::string& text,
+                                           CFIVocabulary::IndexMap& chunks,
+                                           unsigned long maxAddLength, ItemType type) {
+  if (text.size() >= maxAddLength) return PutEncodedCharacterString(prefix, text, type, 5);
+  unsigned long index = 0;
+  if (CFIVocabulary::FindIndex(chunks, text, index))
+    return PutInteger(prefix | kCharacterChunkIndex, index, 4);
+  PutEncodedCharacterString(prefix | kAddToTableBit4, text, type, 5);
+  CFIVocabulary::AddValueToMap(text, chunks);
+}
+
+void CFastInfosetWriter::PutEncodedCharacterString(unsigned char prefix, const std::string& text,
+                                                   ItemType type, int startBit) {
+  const bool onBit3 = startBit == 3;
+  const EncodedCharacterString encoding = m_context.GetEncoding(type);
+  std::string_view octets;
+  switch (encoding.kind) {
+    case kDefaultString:
+      if (m_context.GetDefaultStringEncoding() != 0)
+        throw CKoException(
+            "Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
+      break;
+    case kRestrictedAlphabet:
+      if (encoding.index < 1 || encoding.index > kBuiltInAlphabets)
+        throw CKoException(FormatString(
+            "Failed to write FastInfoset. Invalid Restricted Alphabet value [%d]", encoding.index));
+      PackRestrictedAlphabet(encoding.index, text);
+      octets = m_packed;
+      break;
+    case kAlgorithm: {
+      if (encoding.index < 1 || encoding.index > kBuiltInAlgorithms)
+        throw CKoException(FormatString(
+            "Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]", encoding.index));
+      CFastInfosetBinaryData data;
+      data.SetAsEncodedString(encoding.index, text.c_str());
+      m_packed.assign(ViewOf(data));
+      octets = m_packed;
+      break;
+    }
+    default:
+      throw CKoException(onBit3
+                             ? "Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5."
+                             : "Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7.");
+  }
+  // A value that encodes to no octets at all (blank base64, say) keeps its text.
+  if (encoding.kind == kDefaultString || octets.empty() ||
+      (onBit3 && encoding.kind == kAlgorithm && encoding.index == kCdataAlgorithm))
+    return PutOctets(prefix, Utf8Of(text), onBit3 ? 5 : 7);
+
+  // The discriminant, then the table index (a - 1) in eight bits split over two octets.
+  const unsigned long tableIndex = encoding.index - 1;
+  const bool alphabet = encoding.kind == kRestrictedAlphabet;
+  if (onBit3) {
+    PutByte(m_out, prefix | (alphabet ? 0x20 : 0x30) | (tableIndex >> 4));
+    PutOctets(static_cast<unsigned char>((tableIndex << 4) & 0xFF), octets, 5);
+  } else {
+    PutByte(m_out, prefix | (alphabet ? 0x08 : 0x0C) | (tableIndex >> 6));
+    PutOctets(static_cast<unsigned char>((tableIndex << 2) & 0xFF), octets, 7);
+  }
+}
+
+void CFastInfosetWriter::PackRestrictedAlphabet(unsigned long alphabet, const std::string& text) {
+  const std::vector<std::string>& alphabets = m_vocabulary->GetRestrictedAlphabets();
+  if (alphabet < 1 || alphabet > alphabets.size())
+    throw CKoException(FormatString(
+        "Failed to write FastInfoset. Invalid Restricted Alphabet value [%d]", static_cast<int>(alphabet)));
+  const std::string& characters = alphabets[alphabet - 1];
+  const size_t count = characters.size();
+  if (count < 2 || count > kMaxAlphabetLength)
+    throw CKoException(
+        "Failed to write FastInfoset. Invalid Restricted Alphabet. Alphabet must contain between 2 "
+        "and 2^20 characters.");
+  int bits = 3;
+  while ((size_t(1) << bits) <= count) ++bits;
+  if (bits != 4 && bits != 8)
+    throw CKoException("Failed to write FastInfoset. Unsupported Feature in AppendRestrictedAlphabetString.");
+
+  m_packed.clear();
+  unsigned long pending = 0;  // characters waiting for the other half of an octet
+  for (const char c : text) {
+    const size_t position = characters.find(c);
+    if (position == std::string::npos)
+      throw CKoException("Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
+    if (bits == 8) {
+      PutByte(m_packed, position);
+    } else if (pending & 0x100) {
+      PutByte(m_packed, ((pending & 0x0F) << 4) | position);
+      pending = 0;
+    } else {
+      pending = 0x100 | position;
+    }
+  }
+  if (pending & 0x100) PutByte(m_packed, ((pending & 0x0F) << 4) | 0x0F);  // all ones: padding
+}
+
+// ---- the encoders as operations of their own ----------------------------------
+
+void CFastInfosetWriter::Integer1To2pw20Bit2(unsigned char prefix, unsigned long value) {
+  COperation operation(*this);
+  PutInteger(prefix, value, 2);
+  operation.Done();
+}
+
+void CFastInfosetWriter::Integer0To2pw20Bit2(unsigned char prefix, unsigned long value) {
+  COperation operation(*this);
+  if (value == 0)
+    PutByte(m_out, prefix | 0x7F);
+  else
+    PutInteger(prefix, value, 2);
+  operation.Done();
+}
+
+void CFastInfosetWriter::Integer1To2pw20Bit3(unsigned char prefix, unsigned long value) {
+  COperation operation(*this);
+  PutInteger(prefix, value, 3);
+  operation.Done();
+}
+
+void CFastInfosetWriter::Integer1To2pw20Bit4(unsigned char prefix, unsigned long value) {
+  COperation operation(*this);
+  PutInteger(prefix, value, 4);
+  operation.Done();
+}
+
+void CFastInfosetWriter::NonEmptyOctetUTF8StringBit2(unsigned char prefix, const std::string& text) {
+  COperation operation(*this);
+  PutOctets(prefix, Utf8Of(text), 2);
+  operation.Done();
+}
+
+void CFastInfosetWriter::NonEmptyOctetStringBit5(unsigned char prefix, const CBinaryData& data) {
+  COperation operation(*this);
+  PutOctets(prefix, ViewOf(data), 5);
+  operation.Done();
+}
+
+void CFastInfosetWriter::NonEmptyOctetStringBit7(unsigned char prefix, const CBinaryData& data) {
+  COperation operation(*this);
+  PutOctets(prefix, ViewOf(data), 7);
+  operation.Done();
+}
+
+void CFastInfosetWriter::QualifiedNameOrIndexBit2(unsigned char prefix, const std::string& namePrefix,
+                                                  const std::string& namespaceUri,
+                                                  const std::string& localName,
+                                                  CFIVocabulary::IndexMap& names) {
+  COperation operation(*this);
+  PutQualifiedName(prefix, 2, namePrefix, namespaceUri, localName, names);
+  operation.Done();
+}
+
+void CFastInfosetWriter::QualifiedNameOrIndexBit3(unsigned char prefix, const std::string& namePrefix,
+                                                  const std::string& namespaceUri,
+                                                  const std::string& localName,
+                                                  CFIVocabulary::IndexMap& names) {
+  COperation operation(*this);
+  PutQualifiedName(prefix, 3, namePrefix, namespaceUri, localName, names);
+  operation.Done();
+}
+
+void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(const std::string& value,
+                                                         CFIVocabulary::IndexMap& values,
+                                                         unsigned long maxAddLength, ItemType type) {
+  COperation operation(*this);
+  PutAttributeValue(value, values, maxAddLength, type);
+  operation.Done();
+}
+
+void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(unsigned char prefix, const std::string& text,
+                                                         CFIVocabulary::IndexMap& chunks,
+                                                         unsigned long maxAddLength, ItemType type) {
+  COperation operation(*this);
+  PutCharacterChunk(prefix, text, chunks, maxAddLength, type);
+  operation.Done();
+}
+
+void CFastInfosetWriter::EncodedCharacterStringBit3(unsigned char prefix, const std::string& text,
+                                                    ItemType type) {
+  COperation operation(*this);
+  PutEncodedCharacterString(prefix, text, type, 3);
+  operation.Done();
+}
+
+void CFastInfosetWriter::EncodedCharacterStringBit5(unsigned char prefix, const std::string& text,
+                                                    ItemType type) {
+  COperation operation(*this);
+  PutEncodedCharacterString(prefix, text, type, 5);
+  operation.Done();
+}
+
+CBinaryData CFastInfosetWriter::AppendRestrictedAlphabetString(unsigned long alphabet,
+                                                               const std::string& text) {
+  PackRestrictedAlphabet(alphabet, text);
+  CBinaryData packed;
+  packed.Append(reinterpret_cast<unsigned char*>(m_packed.data()), m_packed.size());
+  return packed;
+}
+
+}  // namespace KoXmlLib10

@@ -1,0 +1,360 @@
+#include <gtest/gtest.h>
+
+#include <KoXmlLib10.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "types/ThrownMessage.h"
+
+using namespace KoXmlLib10;
+
+namespace {
+
+const char kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
+
+// A writer over a memory stream; Hex() shows what it wrote, optionally from an offset.
+struct Fi {
+  explicit Fi(CFastInfosetContext c = CFastInfosetContext()) : context(std::move(c)) {}
+  std::string Hex(size_t from = 0) const {
+    const CBinaryData data = stream.GetBinaryStream();
+    std::string hex;
+    char octet[4];
+    for (unsigned long i = from; i < data.GetLength(); ++i) {
+      std::snprintf(octet, sizeof octet, i > from ? " %02X" : "%02X", data.GetData()[i]);
+      hex += octet;
+    }
+    return hex;
+  }
+  // Hex of the octets after the document header and the root's empty namespace list.
+  std::string Body() const { return Hex(7); }
+
+  CFastInfosetContext context;
+  CBinaryStream stream;
+  CFastInfosetWriter writer{context, stream};
+};
+
+std::string Repeat(size_t n) { return std::string(n, 'a'); }
+
+std::string HexOf(const std::string& text) {
+  std::string hex;
+  char octet[4];
+  for (unsigned char c : text) {
+    std::snprintf(octet, sizeof octet, "%02X ", c);
+    hex += octet;
+  }
+  return hex;
+}
+
+}  // namespace
+
+TEST(FastInfosetWriter, WorkedExample) {
+  Fi fi;
+  fi.writer.WriteStartDocument(FInfoDeclNone);
+  fi.writer.WriteComment("not written");
+  fi.writer.WriteStartElement("a", "");
+  fi.writer.WriteString("x", ItemType_string);
+  fi.writer.WriteEndElement();
+  fi.writer.WriteEndDocument();
+  EXPECT_EQ(fi.Hex(), "E0 00 00 01 00 38 F0 3C 00 61 90 78 FF");
+}
+
+TEST(FastInfosetWriter, IntegersAtEveryRangeBoundary) {
+  auto hex = [](auto encode, unsigned char prefix, unsigned long value) {
+    Fi fi;
+    (fi.writer.*encode)(prefix, value);
+    return fi.Hex();
+  };
+  auto bit2 = &CFastInfosetWriter::Integer1To2pw20Bit2;
+  EXPECT_EQ(hex(bit2, 0x80, 1), "80");
+  EXPECT_EQ(hex(bit2, 0x80, 64), "BF");
+  EXPECT_EQ(hex(bit2, 0x80, 65), "C0 00");
+  EXPECT_EQ(hex(bit2, 0x00, 8256), "5F FF");
+  EXPECT_EQ(hex(bit2, 0x00, 8257), "60 00 00");
+  EXPECT_EQ(hex(bit2, 0x00, 1ul << 20), "6F DF BF");
+  auto bit3 = &CFastInfosetWriter::Integer1To2pw20Bit3;
+  EXPECT_EQ(hex(bit3, 0x40, 32), "5F");
+  EXPECT_EQ(hex(bit3, 0x00, 33), "20 00");
+  EXPECT_EQ(hex(bit3, 0x00, 2080), "27 FF");
+  EXPECT_EQ(hex(bit3, 0x00, 2081), "28 00 00");
+  EXPECT_EQ(hex(bit3, 0x00, 526368), "2F FF FF");
+  EXPECT_EQ(hex(bit3, 0x00, 526369), "30 00 00 00");
+  EXPECT_EQ(hex(bit3, 0x40, 1ul << 20), "70 07 F7 DF");
+  auto bit4 = &CFastInfosetWriter::Integer1To2pw20Bit4;
+  EXPECT_EQ(hex(bit4, 0xA0, 16), "AF");
+  EXPECT_EQ(hex(bit4, 0xA0, 17), "B0 00");
+  EXPECT_EQ(hex(bit4, 0xA0, 1040), "B3 FF");
+  EXPECT_EQ(hex(bit4, 0xA0, 1041), "B4 00 00");
+  EXPECT_EQ(hex(bit4, 0xA0, 263184), "B7 FF FF");
+  EXPECT_EQ(hex(bit4, 0xA0, 263185), "B8 00 00 00");
+  EXPECT_EQ(hex(bit4, 0xA0, 1ul << 20), "B8 0B FB EF");
+  auto zero = &CFastInfosetWriter::Integer0To2pw20Bit2;
+  EXPECT_EQ(hex(zero, 0x80, 0), "FF");
+  EXPECT_EQ(hex(zero, 0x80, 65), "C0 00");
+
+  Fi fi;
+  EXPECT_EQ(ThrownMessage<CKoException>([&] { fi.writer.Integer1To2pw20Bit2(0, 0); }),
+            "Failed to write FastInfoset. Invalid integer value [0]");
+  EXPECT_THROW(fi.writer.Integer1To2pw20Bit3(0, (1ul << 20) + 1), CKoException);
+}
+
+TEST(FastInfosetWriter, LengthsAtEveryRangeBoundary) {
+  // The length octets only: the string follows them.
+  auto utf8 = [](size_t n) {
+    Fi fi;
+    fi.writer.NonEmptyOctetUTF8StringBit2(0x00, Repeat(n));
+    EXPECT_EQ(fi.stream.GetBinaryStream().GetLength() - n, n <= 64 ? 1u : n <= 320 ? 2u : 5u);
+    return fi.Hex().substr(0, 14);
+  };
+  EXPECT_EQ(utf8(1), "00 61");
+  EXPECT_EQ(utf8(64).substr(0, 2), "3F");
+  EXPECT_EQ(utf8(65).substr(0, 5), "40 00");
+  EXPECT_EQ(utf8(320).substr(0, 5), "40 FF");
+  EXPECT_EQ(utf8(321), "60 00 00 00 00");
+  EXPECT_EQ(utf8(322), "60 00 00 00 01");
+
+  auto octets = [](auto encode, unsigned char prefix, size_t n) {
+    Fi fi;
+    const std::string bytes = Repeat(n);
+    (fi.writer.*encode)(prefix, CBinaryData(bytes.c_str()));
+    std::string hex = fi.Hex();
+    return hex.substr(0, hex.size() - 3 * n);
+  };
+  auto bit5 = &CFastInfosetWriter::NonEmptyOctetStringBit5;
+  EXPECT_EQ(octets(bit5, 0x30, 8), "37");
+  EXPECT_EQ(octets(bit5, 0x30, 9), "38 00");
+  EXPECT_EQ(octets(bit5, 0x30, 264), "38 FF");
+  EXPECT_EQ(octets(bit5, 0x30, 265), "3C 00 00 00 00");
+  auto bit7 = &CFastInfosetWriter::NonEmptyOctetStringBit7;
+  EXPECT_EQ(octets(bit7, 0x0C, 2), "0D");
+  EXPECT_EQ(octets(bit7, 0x0C, 3), "0E 00");
+  EXPECT_EQ(octets(bit7, 0x0C, 258), "0E FF");
+  EXPECT_EQ(octets(bit7, 0x0C, 259), "0F 00 00 00 00");
+
+  Fi fi;
+  EXPECT_EQ(ThrownMessage<CKoException>([&] { fi.writer.NonEmptyOctetStringBit5(0, CBinaryData()); }),
+            "Failed to write FastInfoset. Empty string in NonEmptyOctetString.");
+}
+
+TEST(FastInfosetWriter, NamesAreIndexedFromTheirSecondOccurrence) {
+  Fi fi;
+  CFastInfosetWriter& w = fi.writer;
+  w.WriteStartDocument(FInfoDeclNone);
+  w.SetDefaultNamespace("urn:a");
+  w.AddNamespace("p", "urn:a");
+  w.WriteStartElement("r", "urn:a");
+  w.WriteStartElement("r", "urn:a");  // the same name: an index on the third bit
+  w.WriteEndElement();
+  w.WriteStartElement("c", "");
+  w.WriteStartElement("r", "urn:a");  // the same name with a prefix: a new literal
+  w.WriteEndElement();
+  w.WriteEndElement();
+  w.WriteEndElement();
+  w.WriteEndDocument();
+  EXPECT_EQ(fi.Hex(5),
+            "38 CD 04 75 72 6E 3A 61 CF 00 70 81 F0 3D 81 00 72 "  // <r xmlns="urn:a" xmlns:p="urn:a">
+            "00 "                                                  // <r/>
+            "F0 38 CC F0 3C 00 63 "                                // <c xmlns="">
+            "3F 81 81 80 "                                         // <p:r/>
+            "FF FF");
+
+  // The empty prefix in no namespace, the XML prefix and namespace are known from the start.
+  Fi names;
+  CFIVocabulary::IndexMap& attributes = names.writer.GetVocabulary()->GetAttributeNamesMap();
+  names.writer.QualifiedNameOrIndexBit2(0, "xml", "http://www.w3.org/XML/1998/namespace", "lang",
+                                        attributes);
+  names.writer.QualifiedNameOrIndexBit2(0, "", "", "lang", attributes);
+  names.writer.QualifiedNameOrIndexBit2(0, "xml", "http://www.w3.org/XML/1998/namespace", "lang",
+                                        attributes);
+  EXPECT_EQ(names.Hex(), "7B 80 80 03 6C 61 6E 67 78 80 00");
+  EXPECT_EQ(ThrownMessage<CKoException>([&] {
+              names.writer.QualifiedNameOrIndexBit3(0, "p", "", "x", attributes);
+            }),
+            "Failed to write FastInfoset. Invalid QName type Prefix without Namespace.");
+}
+
+TEST(FastInfosetWriter, ValuesBelowTheMaxAddLengthAreIndexed) {
+  Fi fi;
+  fi.writer.WriteStartDocument(FInfoDeclNone);
+  fi.writer.WriteStartElement("a", "");
+  fi.writer.WriteAttributeString("b", "", "abcde", ItemType_string);
+  fi.writer.WriteAttributeString("c", "", "abcdef", ItemType_string);
+  fi.writer.WriteAttributeString("d", "", "", ItemType_string);
+  fi.writer.WriteAttributeString("e", "", "abcde", ItemType_string);
+  fi.writer.WriteAttributeString("f", "", "abcdef", ItemType_string);
+  fi.writer.WriteString("abcde", ItemType_string);
+  fi.writer.WriteString("abcdef", ItemType_string);
+  fi.writer.WriteString("abcde", ItemType_string);
+  fi.writer.WriteString("abcdef", ItemType_string);
+  fi.writer.WriteEndElement();
+  fi.writer.WriteEndDocument();
+  EXPECT_EQ(fi.Hex(5),
+            "78 F0 3C 00 61 "
+            "78 00 62 44 61 62 63 64 65 "     // b: added to the table
+            "78 00 63 05 61 62 63 64 65 66 "  // c: exactly the limit, literal
+            "78 00 64 FF "                    // d: empty
+            "78 00 65 80 "                    // e: index 1
+            "78 00 66 05 61 62 63 64 65 66 "  // f: literal again
+            "F0 "                             // end of the attributes, content follows
+            "92 02 61 62 63 64 65 "           // added to the table
+            "82 03 61 62 63 64 65 66 "        // literal
+            "A0 "                             // index 1 on the fourth bit
+            "82 03 61 62 63 64 65 66 FF");
+}
+
+TEST(FastInfosetWriter, TerminatorsShareOctetsWhenTheyFollowEachOther) {
+  Fi fi;
+  CFastInfosetWriter& w = fi.writer;
+  w.WriteStartDocument(FInfoDeclNone);
+  w.WriteStartElement("r", "");
+  w.WriteStartElement("a", "");  // attributes and nothing else
+  w.WriteAttributeString("n", "", "", ItemType_string);
+  w.WriteEndElement();
+  w.WriteStartElement("a", "");  // attributes and a child
+  w.WriteAttributeString("n", "", "", ItemType_string);
+  w.WriteStartElement("e", "");
+  w.WriteEndElement();
+  w.WriteString("t", ItemType_string);  // text after a child
+  w.WriteEndElement();
+  w.WriteStartElement("a", "");  // attributes and text
+  w.WriteAttributeString("n", "", "", ItemType_string);
+  w.WriteString("t", ItemType_string);
+  w.WriteString("", ItemType_string);  // writes nothing
+  w.WriteEndElement();
+  w.WriteStartElement("e", "");  // after an element with content
+  w.WriteEndElement();
+  w.WriteEndElement();
+  w.WriteEndDocument();
+  EXPECT_EQ(fi.Hex(5),
+            "38 F0 3C 00 72 "
+            "7C 00 61 78 00 6E FF FF "  // attributes end with the element
+            "41 00 FF F0 "              // attributes, then a child
+            "3C 00 65 F0 90 74 "        // whose end is padded before the text
+            "F0 41 00 FF F0 A0 "        // attributes, then text
+            "F0 02 FF F0");             // the last three ends
+}
+
+TEST(FastInfosetWriter, RestrictedAlphabetsAndAlgorithms) {
+  Fi fi;
+  fi.context.SetSuggestedValues();
+  EXPECT_EQ(fi.writer.AppendRestrictedAlphabetString(1, "-1.5E3").GetAsHexString(), "A1C5D3");
+  EXPECT_EQ(fi.writer.AppendRestrictedAlphabetString(1, "1.5").GetAsHexString(), "1C5F");
+  fi.writer.EncodedCharacterStringBit5(0x80, "2024-05", ItemType_yearMonth);
+  fi.writer.EncodedCharacterStringBit3(0x40, "2024-05", ItemType_yearMonth);
+  fi.writer.EncodedCharacterStringBit5(0x90, "5", ItemType_i4);
+  fi.writer.EncodedCharacterStringBit3(0x40, "5", ItemType_i4);
+  fi.writer.EncodedCharacterStringBit3(0x00, "true", ItemType_boolean);
+  fi.context.SetEncoding(ItemType_string, EncodedCharacterString{2, 10});
+  fi.writer.EncodedCharacterStringBit5(0x80, "<x>", ItemType_string);
+  EXPECT_EQ(fi.Hex(),
+            "88 06 01 20 24 A0 5F "   // date-time alphabet (index 2) on the fifth bit
+            "60 13 20 24 A0 5F "      // and on the third
+            "9C 0E 01 00 00 00 05 "   // int (algorithm 4) on the fifth bit
+            "70 33 00 00 00 05 "      // and on the third
+            "30 50 38 "               // boolean (algorithm 6)
+            "8C 26 00 3C 78 3E");     // cdata (algorithm 10)
+
+  auto fails = [&](EncodedCharacterString encoding, const char* text, bool onBit3) {
+    fi.context.SetEncoding(ItemType_string, encoding);
+    return ThrownMessage<CKoException>([&] {
+      if (onBit3)
+        fi.writer.EncodedCharacterStringBit3(0, text, ItemType_string);
+      else
+        fi.writer.EncodedCharacterStringBit5(0, text, ItemType_string);
+    });
+  };
+  EXPECT_EQ(fails({3, 0}, "x", true),
+            "Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5.");
+  EXPECT_EQ(fails({3, 0}, "x", false),
+            "Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7.");
+  EXPECT_EQ(fails({1, 3}, "1", true), "Failed to write FastInfoset. Invalid Restricted Alphabet value [3]");
+  EXPECT_EQ(fails({2, 11}, "1", false), "Failed to write FastInfoset. Invalid Encoding Algorithm value [11]");
+  EXPECT_EQ(fails({1, 2}, "10:00:00.5", true),
+            "Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
+  EXPECT_EQ(fails({2, 4}, "x", true), ThrownMessage<CKoException>([] {
+              CFastInfosetBinaryData().SetAsEncodedString(4, "x");
+            }));
+  std::vector<std::string>& alphabets = fi.writer.GetVocabulary()->GetRestrictedAlphabets();
+  alphabets[0] = "0123456789ABCDEFGHIJ";
+  EXPECT_EQ(fails({1, 1}, "1", true),
+            "Failed to write FastInfoset. Unsupported Feature in AppendRestrictedAlphabetString.");
+  alphabets[0] = "0";
+  EXPECT_EQ(fails({1, 1}, "0", true),
+            "Failed to write FastInfoset. Invalid Restricted Alphabet. Alphabet must contain between "
+            "2 and 2^20 characters.");
+}
+
+TEST(FastInfosetWriter, DeclarationsAndExternalVocabulary) {
+  for (int decl = FInfoDeclFinf; decl <= FInfoDecl11StandaloneNo; ++decl) {
+    Fi fi;
+    fi.writer.WriteStartDocument(static_cast<FInfoDecl>(decl));
+    const std::string text = FI_DECLARATION_LIST[decl - 1];
+    EXPECT_EQ(fi.Hex(text.size()), "E0 00 00 01 00") << decl;
+  }
+  EXPECT_STREQ(FI_DECLARATION_LIST[0], "<?xml encoding='finf'?>");
+  EXPECT_STREQ(FI_DECLARATION_LIST[8], "<?xml version='1.1' encoding='finf' standalone='no'?>");
+  Fi bad;
+  EXPECT_THROW(bad.writer.WriteStartDocument(static_cast<FInfoDecl>(10)), CKoException);
+
+  CFastInfosetContext generated;
+  generated.SetUseGeneratedVocabulary(true);
+  generated.GetVocabulary()->AddElement("", "", "a");
+  Fi byDefault(generated);
+  byDefault.writer.WriteStartDocument(FInfoDeclNone);
+  byDefault.writer.WriteStartElement("a", "");  // known from the generated vocabulary
+  byDefault.writer.WriteEndElement();
+  byDefault.writer.WriteEndDocument();
+  const std::string uri = CFastInfosetWriter::FI_DEFAULT_VOCABULARY_URI;
+  EXPECT_EQ(byDefault.Hex(0).substr(0, 23), "E0 00 00 01 20 10 00 23");
+  EXPECT_EQ(byDefault.Hex(8 + uri.size()), "38 F0 00 FF");
+  generated.SetExternalVocabularyURI("urn:v");
+  Fi named(generated);
+  named.writer.WriteStartDocument(FInfoDeclNone);
+  EXPECT_EQ(named.Hex(), "E0 00 00 01 20 10 00 04 75 72 6E 3A 76");
+}
+
+TEST(FastInfosetWriter, NamespacesAreDeclaredWhereTheyAreIntroduced) {
+  Fi fi;
+  CFastInfosetWriter& w = fi.writer;
+  w.WriteStartDocument(FInfoDeclNone);
+  w.SetDefaultNamespace("urn:d");
+  w.AddNamespace("x", kXsi);
+  w.WriteStartElement("r", "urn:d");
+  w.WriteAttributeNil();
+  w.WriteStartElement("c", "");  // no namespace: undeclares the default
+  w.WriteAttributeType("urn:t", "T", ItemType_string);
+  w.WriteStartElement("c", "urn:d");  // the default namespace is undeclared: a prefix
+  w.WriteEndElement();
+  w.WriteEndElement();
+  w.WriteEndElement();
+  w.WriteEndDocument();
+  EXPECT_EQ(fi.Hex(5),
+            "78 CD 04 75 72 6E 3A 64 CF 00 78 28 " + HexOf(kXsi) +  // <r xmlns="urn:d" xmlns:x=...
+                "F0 3D 81 00 72 "                                    // name of r
+                "7B 81 82 02 6E 69 6C 43 74 72 75 65 F0 "            // x:nil="true"
+                "78 CC CF 01 41 41 04 75 72 6E 3A 74 F0 3C 00 63 "   // <c xmlns="" xmlns:AA="urn:t"
+                "7B 81 82 03 74 79 70 65 43 41 41 3A 54 F0 "         // x:type="AA:T"
+                "38 CF 01 41 42 81 F0 3F 83 81 82 "                  // <AB:c xmlns:AB="urn:d"/>
+                "FF FF");
+  EXPECT_EQ(ThrownMessage<CKoException>([&] { w.WriteAttributeNil(); }),
+            "Attributes must be added before elements");
+}
+
+TEST(FastInfosetWriter, MisuseFails) {
+  Fi fi;
+  CFastInfosetWriter& w = fi.writer;
+  w.WriteStartDocument(FInfoDeclNone);
+  EXPECT_EQ(ThrownMessage<CKoException>([&] { w.WriteEndElement(); }), "There is no open Element to end.");
+  EXPECT_THROW(w.WriteString("x", ItemType_string), CKoException);
+  w.WriteStartElement("a", "");
+  w.WriteString("x", ItemType_string);
+  EXPECT_EQ(ThrownMessage<CKoException>([&] { w.WriteAttributeString("b", "", "1", ItemType_string); }),
+            "Attributes must be added before elements");
+  EXPECT_EQ(ThrownMessage<CKoException>([&] { w.WriteAttributeType("", "T", ItemType_string); }),
+            "Attributes must be added before elements");
+  EXPECT_EQ(ThrownMessage<CKoException>([&] { w.WriteEndDocument(); }), "An Element has not been closed.");
+  w.WritePI("<?pi?>");
+  w.WriteInlineSchema("<schema/>");
+  EXPECT_EQ(fi.Hex(5), "38 F0 3C 00 61 90 78");
+}
