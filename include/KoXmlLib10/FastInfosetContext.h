@@ -2,8 +2,8 @@
 #define KOXMLLIB10_FASTINFOSETCONTEXT_H
 
 #include <cstdint>
-#include <map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "KoXmlLib10/Export.h"
@@ -51,7 +51,9 @@ class KOXML_API CFIQNameTable {
 // for writing and index-to-string tables for reading.
 class KOXML_API CFIVocabulary {
  public:
-  using IndexMap = std::map<std::string, uint32_t>;
+  // Hashed rather than ordered: writing looks up every name and short value,
+  // and the value tables grow to a million entries.
+  using IndexMap = std::unordered_map<std::string, uint32_t>;
   // Every map and table stops growing at this many entries.
   static constexpr size_t MAX_ENTRIES = size_t(1) << 20;
   static const char* const FI_DEFAULT_PREFIX;
