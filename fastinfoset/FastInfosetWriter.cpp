@@ -48,7 +48,7 @@ constexpr unsigned char kAddToTableBit4 = 0x10;
 enum EncodingKind : uint32_t { kDefaultString = 0, kRestrictedAlphabet = 1, kAlgorithm = 2 };
 constexpr uint32_t kBuiltInAlphabets = 2;
 constexpr uint32_t kBuiltInAlgorithms = 10;
-constexpr uint32_t kCdataAlgorithm = 10;  // marks CDATA sections: content only, never attribute values
+constexpr uint32_t kCdataAlgorithm = 10;
 
 // An integer from 1 to 2^20 starting on a given bit: a short form in the bits
 // of the first octet, then ever longer forms, each marked by its tag bits.
@@ -221,8 +221,9 @@ void CFastInfosetWriter::WriteElement(bool hasAttributes) {
   PutQualifiedName(octet, 3, m_pendingPrefix, element->GetNamespaceUri(), element->GetLocalName(),
                    m_vocabulary->GetElementNamesMap());
 
-  for (size_t i = 0; i < m_heldCount; ++i) WriteAttribute(m_heldAttributes[i]);
+  const size_t held = m_heldCount;
   m_heldCount = 0;
+  for (size_t i = 0; i < held; ++i) WriteAttribute(m_heldAttributes[i]);
   // The attribute list ends with a terminator, which can share its octet with the element's.
   if (withAttributes) m_pendingTerminator = true;
   operation.Done();
@@ -240,7 +241,7 @@ void CFastInfosetWriter::WritePendingTerminator() {
 }
 
 void CFastInfosetWriter::WriteString(const std::string& text, ItemType type) {
-  if (text.empty()) return;  // a character chunk is never empty
+  if (text.empty() || text[0] == '\0') return;  // a character chunk is never empty
   COperation operation(*this);
   if (!GetCurrentContext())
     throw CKoException("Failed to write FastInfoset. Text must be inside an Element.");
@@ -434,7 +435,7 @@ void CFastInfosetWriter::PutQualifiedName(unsigned char prefix, int startBit,
 void CFastInfosetWriter::PutAttributeValue(const std::string& value,
                                            CFIVocabulary::IndexMap& values,
                                            unsigned long maxAddLength, ItemType type) {
-  if (value.empty()) return PutByte(m_out, kEmptyAttributeValue);
+  if (value.empty() || value[0] == '\0') return PutByte(m_out, kEmptyAttributeValue);
   if (value.size() >= maxAddLength) return PutEncodedCharacterString(0x00, value, type, 3);
   unsigned long index = 0;
   if (CFIVocabulary::FindIndex(values, value, index)) return PutInteger(0x80, index, 2);
@@ -456,7 +457,9 @@ void CFastInfosetWriter::PutCharacterChunk(unsigned char prefix, const std::stri
 void CFastInfosetWriter::PutEncodedCharacterString(unsigned char prefix, const std::string& text,
                                                    ItemType type, int startBit) {
   const bool onBit3 = startBit == 3;
-  const EncodedCharacterString encoding = m_context.GetEncoding(type);
+  EncodedCharacterString encoding = m_context.GetEncoding(type);
+  // That algorithm marks CDATA sections, which only content has: a value keeps its text.
+  if (onBit3 && encoding.kind == kAlgorithm && encoding.index == kCdataAlgorithm) encoding = {};
   std::string_view octets;
   switch (encoding.kind) {
     case kDefaultString:
@@ -487,8 +490,7 @@ void CFastInfosetWriter::PutEncodedCharacterString(unsigned char prefix, const s
                              : "Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7.");
   }
   // A value that encodes to no octets at all (blank base64, say) keeps its text.
-  if (encoding.kind == kDefaultString || octets.empty() ||
-      (onBit3 && encoding.kind == kAlgorithm && encoding.index == kCdataAlgorithm))
+  if (encoding.kind == kDefaultString || octets.empty())
     return PutOctets(prefix, Utf8Of(text), onBit3 ? 5 : 7);
 
   // The discriminant, then the table index (a - 1) in eight bits split over two octets.

@@ -3,7 +3,6 @@
 #include <KoXmlLib10.h>
 
 #include <cstdio>
-#include <memory>
 #include <string>
 
 #include "types/ThrownMessage.h"
@@ -27,15 +26,11 @@ struct Fi {
     }
     return hex;
   }
-  // Hex of the octets after the document header and the root's empty namespace list.
-  std::string Body() const { return Hex(7); }
 
   CFastInfosetContext context;
   CBinaryStream stream;
   CFastInfosetWriter writer{context, stream};
 };
-
-std::string Repeat(size_t n) { return std::string(n, 'a'); }
 
 std::string HexOf(const std::string& text) {
   std::string hex;
@@ -61,77 +56,47 @@ TEST(FastInfosetWriter, WorkedExample) {
 }
 
 TEST(FastInfosetWriter, IntegersAtEveryRangeBoundary) {
-  auto hex = [](auto encode, unsigned char prefix, unsigned long value) {
+  using Encoder = void (CFastInfosetWriter::*)(unsigned char, unsigned long);
+  const Encoder bit2 = &CFastInfosetWriter::Integer1To2pw20Bit2, bit3 = &CFastInfosetWriter::Integer1To2pw20Bit3,
+                bit4 = &CFastInfosetWriter::Integer1To2pw20Bit4, zero = &CFastInfosetWriter::Integer0To2pw20Bit2;
+  const unsigned long max = 1ul << 20;
+  const struct { Encoder encode; unsigned char prefix; unsigned long value; const char* octets; } cases[] = {
+      {bit2, 0x80, 1, "80"}, {bit2, 0x80, 64, "BF"}, {bit2, 0x80, 65, "C0 00"}, {bit2, 0, 8256, "5F FF"},
+      {bit2, 0, 8257, "60 00 00"}, {bit2, 0, max, "6F DF BF"}, {bit3, 0x40, 32, "5F"}, {bit3, 0, 33, "20 00"},
+      {bit3, 0, 2080, "27 FF"}, {bit3, 0, 2081, "28 00 00"}, {bit3, 0, 526368, "2F FF FF"},
+      {bit3, 0, 526369, "30 00 00 00"}, {bit3, 0x40, max, "70 07 F7 DF"}, {bit4, 0xA0, 16, "AF"},
+      {bit4, 0xA0, 17, "B0 00"}, {bit4, 0xA0, 1040, "B3 FF"}, {bit4, 0xA0, 1041, "B4 00 00"},
+      {bit4, 0xA0, 263184, "B7 FF FF"}, {bit4, 0xA0, 263185, "B8 00 00 00"}, {bit4, 0xA0, max, "B8 0B FB EF"},
+      {zero, 0x80, 0, "FF"}, {zero, 0x80, 65, "C0 00"}};
+  for (const auto& c : cases) {
     Fi fi;
-    (fi.writer.*encode)(prefix, value);
-    return fi.Hex();
-  };
-  auto bit2 = &CFastInfosetWriter::Integer1To2pw20Bit2;
-  EXPECT_EQ(hex(bit2, 0x80, 1), "80");
-  EXPECT_EQ(hex(bit2, 0x80, 64), "BF");
-  EXPECT_EQ(hex(bit2, 0x80, 65), "C0 00");
-  EXPECT_EQ(hex(bit2, 0x00, 8256), "5F FF");
-  EXPECT_EQ(hex(bit2, 0x00, 8257), "60 00 00");
-  EXPECT_EQ(hex(bit2, 0x00, 1ul << 20), "6F DF BF");
-  auto bit3 = &CFastInfosetWriter::Integer1To2pw20Bit3;
-  EXPECT_EQ(hex(bit3, 0x40, 32), "5F");
-  EXPECT_EQ(hex(bit3, 0x00, 33), "20 00");
-  EXPECT_EQ(hex(bit3, 0x00, 2080), "27 FF");
-  EXPECT_EQ(hex(bit3, 0x00, 2081), "28 00 00");
-  EXPECT_EQ(hex(bit3, 0x00, 526368), "2F FF FF");
-  EXPECT_EQ(hex(bit3, 0x00, 526369), "30 00 00 00");
-  EXPECT_EQ(hex(bit3, 0x40, 1ul << 20), "70 07 F7 DF");
-  auto bit4 = &CFastInfosetWriter::Integer1To2pw20Bit4;
-  EXPECT_EQ(hex(bit4, 0xA0, 16), "AF");
-  EXPECT_EQ(hex(bit4, 0xA0, 17), "B0 00");
-  EXPECT_EQ(hex(bit4, 0xA0, 1040), "B3 FF");
-  EXPECT_EQ(hex(bit4, 0xA0, 1041), "B4 00 00");
-  EXPECT_EQ(hex(bit4, 0xA0, 263184), "B7 FF FF");
-  EXPECT_EQ(hex(bit4, 0xA0, 263185), "B8 00 00 00");
-  EXPECT_EQ(hex(bit4, 0xA0, 1ul << 20), "B8 0B FB EF");
-  auto zero = &CFastInfosetWriter::Integer0To2pw20Bit2;
-  EXPECT_EQ(hex(zero, 0x80, 0), "FF");
-  EXPECT_EQ(hex(zero, 0x80, 65), "C0 00");
-
+    (fi.writer.*c.encode)(c.prefix, c.value);
+    EXPECT_EQ(fi.Hex(), c.octets) << c.value;
+  }
   Fi fi;
   EXPECT_EQ(ThrownMessage<CKoException>([&] { fi.writer.Integer1To2pw20Bit2(0, 0); }),
             "Failed to write FastInfoset. Invalid integer value [0]");
-  EXPECT_THROW(fi.writer.Integer1To2pw20Bit3(0, (1ul << 20) + 1), CKoException);
+  EXPECT_THROW(fi.writer.Integer1To2pw20Bit3(0, max + 1), CKoException);
 }
 
 TEST(FastInfosetWriter, LengthsAtEveryRangeBoundary) {
-  // The length octets only: the string follows them.
-  auto utf8 = [](size_t n) {
+  using Encoder = void (CFastInfosetWriter::*)(unsigned char, const CBinaryData&);
+  const Encoder bit5 = &CFastInfosetWriter::NonEmptyOctetStringBit5, bit7 = &CFastInfosetWriter::NonEmptyOctetStringBit7;
+  const struct { Encoder encode; unsigned char prefix; size_t length; const char* octets; } cases[] = {
+      {nullptr, 0, 1, "00"}, {nullptr, 0, 64, "3F"}, {nullptr, 0, 65, "40 00"}, {nullptr, 0, 320, "40 FF"},
+      {nullptr, 0, 321, "60 00 00 00 00"}, {nullptr, 0, 322, "60 00 00 00 01"}, {bit5, 0x30, 8, "37"},
+      {bit5, 0x30, 9, "38 00"}, {bit5, 0x30, 264, "38 FF"}, {bit5, 0x30, 265, "3C 00 00 00 00"},
+      {bit7, 0x0C, 2, "0D"}, {bit7, 0x0C, 3, "0E 00"}, {bit7, 0x0C, 258, "0E FF"}, {bit7, 0x0C, 259, "0F 00 00 00 00"}};
+  for (const auto& c : cases) {
     Fi fi;
-    fi.writer.NonEmptyOctetUTF8StringBit2(0x00, Repeat(n));
-    EXPECT_EQ(fi.stream.GetBinaryStream().GetLength() - n, n <= 64 ? 1u : n <= 320 ? 2u : 5u);
-    return fi.Hex().substr(0, 14);
-  };
-  EXPECT_EQ(utf8(1), "00 61");
-  EXPECT_EQ(utf8(64).substr(0, 2), "3F");
-  EXPECT_EQ(utf8(65).substr(0, 5), "40 00");
-  EXPECT_EQ(utf8(320).substr(0, 5), "40 FF");
-  EXPECT_EQ(utf8(321), "60 00 00 00 00");
-  EXPECT_EQ(utf8(322), "60 00 00 00 01");
-
-  auto octets = [](auto encode, unsigned char prefix, size_t n) {
-    Fi fi;
-    const std::string bytes = Repeat(n);
-    (fi.writer.*encode)(prefix, CBinaryData(bytes.c_str()));
-    std::string hex = fi.Hex();
-    return hex.substr(0, hex.size() - 3 * n);
-  };
-  auto bit5 = &CFastInfosetWriter::NonEmptyOctetStringBit5;
-  EXPECT_EQ(octets(bit5, 0x30, 8), "37");
-  EXPECT_EQ(octets(bit5, 0x30, 9), "38 00");
-  EXPECT_EQ(octets(bit5, 0x30, 264), "38 FF");
-  EXPECT_EQ(octets(bit5, 0x30, 265), "3C 00 00 00 00");
-  auto bit7 = &CFastInfosetWriter::NonEmptyOctetStringBit7;
-  EXPECT_EQ(octets(bit7, 0x0C, 2), "0D");
-  EXPECT_EQ(octets(bit7, 0x0C, 3), "0E 00");
-  EXPECT_EQ(octets(bit7, 0x0C, 258), "0E FF");
-  EXPECT_EQ(octets(bit7, 0x0C, 259), "0F 00 00 00 00");
-
+    const std::string text(c.length, 'a');
+    if (c.encode)
+      (fi.writer.*c.encode)(c.prefix, CBinaryData(text.c_str()));
+    else
+      fi.writer.NonEmptyOctetUTF8StringBit2(c.prefix, text);
+    const std::string hex = fi.Hex();
+    EXPECT_EQ(hex.substr(0, hex.size() - 3 * c.length), c.octets) << c.length;  // the text follows
+  }
   Fi fi;
   EXPECT_EQ(ThrownMessage<CKoException>([&] { fi.writer.NonEmptyOctetStringBit5(0, CBinaryData()); }),
             "Failed to write FastInfoset. Empty string in NonEmptyOctetString.");
@@ -247,13 +212,15 @@ TEST(FastInfosetWriter, RestrictedAlphabetsAndAlgorithms) {
   fi.writer.EncodedCharacterStringBit3(0x00, "true", ItemType_boolean);
   fi.context.SetEncoding(ItemType_string, EncodedCharacterString{2, 10});
   fi.writer.EncodedCharacterStringBit5(0x80, "<x>", ItemType_string);
+  fi.writer.EncodedCharacterStringBit3(0x00, "<x>", ItemType_string);  // not for values
   EXPECT_EQ(fi.Hex(),
             "88 06 01 20 24 A0 5F "   // date-time alphabet (index 2) on the fifth bit
             "60 13 20 24 A0 5F "      // and on the third
             "9C 0E 01 00 00 00 05 "   // int (algorithm 4) on the fifth bit
             "70 33 00 00 00 05 "      // and on the third
             "30 50 38 "               // boolean (algorithm 6)
-            "8C 26 00 3C 78 3E");     // cdata (algorithm 10)
+            "8C 26 00 3C 78 3E "      // cdata (algorithm 10)
+            "02 3C 78 3E");
 
   auto fails = [&](EncodedCharacterString encoding, const char* text, bool onBit3) {
     fi.context.SetEncoding(ItemType_string, encoding);
@@ -357,4 +324,48 @@ TEST(FastInfosetWriter, MisuseFails) {
   w.WritePI("<?pi?>");
   w.WriteInlineSchema("<schema/>");
   EXPECT_EQ(fi.Hex(5), "38 F0 3C 00 61 90 78");
+}
+
+TEST(FastInfosetWriter, ReadsBackThroughTheLibrarysReader) {
+  Fi fi;
+  fi.context.SetEncoding(ItemType_date, EncodedCharacterString{1, 2});
+  fi.context.SetEncoding(ItemType_decimal, EncodedCharacterString{1, 1});
+  CFastInfosetWriter& w = fi.writer;
+  w.WriteStartDocument(FInfoDecl10);
+  w.SetDefaultNamespace("urn:d");
+  w.AddNamespace("xsi", kXsi);
+  w.WriteStartElement("r", "urn:d");
+  for (int i = 0; i < 3; ++i) {  // names and values are indexes from the second item on
+    w.WriteStartElement("item", "urn:d");
+    w.WriteAttributeString("n", "", "-7", ItemType_decimal);
+    w.WriteAttributeType("urn:t", "T", ItemType_string);
+    w.WriteString("2024-05-01", ItemType_date);
+    w.WriteString("12.5", ItemType_decimal);
+    w.WriteEndElement();
+  }
+  w.WriteStartElement("none", "");
+  w.WriteAttributeNil();
+  w.WriteEndElement();
+  w.WriteEndElement();
+  w.WriteEndDocument();
+
+  const CBinaryData bytes = fi.stream.GetBinaryStream();
+  CXmlDocument document;
+  document.LoadXmlStream(bytes.GetData(), bytes.GetLength());
+  const CXmlElement* root = document.GetDocumentElement();
+  ASSERT_NE(root, nullptr);
+  EXPECT_EQ(root->GetNamespaceURI(), "urn:d");
+  int items = 0;
+  const CXmlElement* child = root->GetFirstElement();
+  for (; child && child->GetLocalName() == "item"; child = child->GetNextSiblingElement(), ++items) {
+    EXPECT_EQ(child->GetNamespaceURI(), "urn:d");
+    EXPECT_EQ(child->GetAttribute("n", ""), "-7");
+    EXPECT_EQ(child->GetAttribute("type", kXsi), "AA:T");
+    EXPECT_EQ(child->GetText(), "2024-05-0112.5");
+  }
+  EXPECT_EQ(items, 3);
+  EXPECT_EQ(document.LookupNamespaceFromAlias("AA"), "urn:t");
+  ASSERT_NE(child, nullptr);
+  EXPECT_EQ(child->GetNamespaceURI(), "");
+  EXPECT_EQ(child->GetAttribute("nil", kXsi), "true");
 }
