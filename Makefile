@@ -23,6 +23,7 @@ test: build
 
 demo: build
 	@./$(BUILD)/demo
+	@./scripts/demo.sh $(BUILD)
 
 sanitize: bootstrap
 	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DKOXML_SANITIZE=ON -DKOXML_BUILD_BENCH=OFF >/dev/null

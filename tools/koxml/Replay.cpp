@@ -55,6 +55,9 @@ bool IsWhitespaceOnly(const std::string& text) {
 void ReplayTree(const CXmlDocument& document, CXmlWriter& writer, bool stripWhitespace) {
   const CXmlElement* root = document.GetDocumentElement();
   if (!root) throw CKoException("The document has no root element");
+  // The root's namespace as the default keeps the common single-namespace
+  // document free of prefixes.
+  if (!root->GetNamespaceURI().empty()) writer.SetDefaultNamespace(root->GetNamespaceURI());
   auto enter = [&](const CXmlElement& e, size_t) {
     writer.WriteStartElement(e.GetLocalName(), e.GetNamespaceURI());
     for (const CXmlAttribute* a : e.GetAttributes()) {

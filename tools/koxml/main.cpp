@@ -39,7 +39,9 @@ const char kUsage[] =
     "                             none, finf, finf-standalone-yes, finf-standalone-no,\n"
     "                             1.0, 1.0-standalone-yes, 1.0-standalone-no, 1.1,\n"
     "                             1.1-standalone-yes, 1.1-standalone-no (default none)\n"
-    "  --strip-whitespace         drop whitespace-only text\n";
+    "  --strip-whitespace         drop whitespace-only text\n"
+    "  --stats                    print input size, output size, read and write\n"
+    "                             times (ms) on standard error\n";
 
 struct UsageError : std::runtime_error {
   using std::runtime_error::runtime_error;
@@ -52,7 +54,7 @@ struct ConvertOptions {
   bool formatGiven = false, compressGiven = false;
   Format format = Format::Xml;
   CompressionType compression = CompressionTypeNone;
-  bool indent = false, crlf = false, stripWhitespace = false;
+  bool indent = false, crlf = false, stripWhitespace = false, stats = false;
   XmlEncoding encoding = XmlEncoding_UTF8;
   FInfoDecl declaration = FInfoDeclNone;
 };
@@ -113,6 +115,8 @@ ConvertOptions ParseConvert(int argc, char** argv) {
       o.crlf = true;
     } else if (arg == "--strip-whitespace") {
       o.stripWhitespace = true;
+    } else if (arg == "--stats") {
+      o.stats = true;
     } else if (arg.size() > 1 && arg[0] == '-') {
       throw UsageError("unknown option '" + arg + "'");
     } else {
@@ -199,14 +203,25 @@ CBinaryData WriteFastInfoset(const CXmlDocument& document, const CXmlSerializati
 
 int Convert(int argc, char** argv) {
   const ConvertOptions o = ParseConvert(argc, argv);
+  using Clock = std::chrono::steady_clock;
+  auto ms = [](Clock::time_point from) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - from).count();
+  };
   std::vector<unsigned char> input = ReadAll(o.in);
   CXmlSerializationContext context;
   CXmlDocument document(context);
+  const auto readStart = Clock::now();
   Load(document, input, o.in);
+  const double readMs = ms(readStart);
+
+  const auto writeStart = Clock::now();
   CBinaryData output = o.format == Format::FastInfoset ? WriteFastInfoset(document, context, o)
                                                        : WriteXml(document, o);
   CKoZip::CompressData(output, o.compression);
   WriteAll(o.out, output.GetData(), output.GetLength());
+  if (o.stats)
+    std::fprintf(stderr, "%zu %lu %.1f %.1f\n", input.size(), output.GetLength(), readMs,
+                 ms(writeStart));
   return 0;
 }
 
