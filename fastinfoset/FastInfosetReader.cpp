@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "KoXmlLib10/Exceptions.h"
+#include "KoXmlLib10/FastInfosetBinaryData.h"
 #include "KoXmlLib10/Unicode.h"
 
 namespace KoXmlLib10 {
@@ -407,8 +408,8 @@ std::string_view CFastInfosetReader::Decode(const EncodedString& encoded) {
   return std::string_view();
 }
 
-std::string CFastInfosetReader::AlgorithmText(uint32_t, const unsigned char*, size_t) {
-  throw CKoException("Unknown byte encoding.");
+std::string CFastInfosetReader::AlgorithmText(uint32_t algorithm, const unsigned char* data, size_t length) {
+  return CFastInfosetBinaryData(const_cast<unsigned char*>(data), length, false).GetAsString(algorithm);
 }
 
 // The characters of an alphabet, split once per parse. A character is a

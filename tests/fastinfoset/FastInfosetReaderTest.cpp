@@ -137,6 +137,14 @@ TEST(FastInfosetReader, AlphabetsAndAlgorithms) {
   EXPECT_EQ(doc.GetDocumentElement()->GetText(), "12.5-3");
   Load(doc, Root(S("\x8C\x26\x00" "a<b\xFF")));  // the cdata algorithm is UTF-8 text
   EXPECT_EQ(doc.GetDocumentElement()->GetText(), "a<b");
+  // int values "1 2" and boolean "true" as chunks; int 42 as an attribute value.
+  Load(doc, Root(S("\x8C\x0E\x05\x00\x00\x00\x01\x00\x00\x00\x02\x8C\x14\x38\xFF")));
+  EXPECT_EQ(doc.GetDocumentElement()->GetText(), "1 2true");
+  Load(doc, Root(S("\x78\x00\x76\x30\x33\x00\x00\x00\x2A\xFF"), 0x78));
+  EXPECT_EQ(doc.GetDocumentElement()->GetAttribute("v", ""), "42");
+  EXPECT_EQ(LoadFailure(Root(S("\x8C\x28\x00\xFF"))), "Unknown byte encoding.");  // algorithm 11
+  EXPECT_EQ(LoadFailure(Root(S("\x8C\x0E\x03\x00\x00\x00\x01\x00\x00\xFF"))),
+            "Invalid value for INT byte encoding.");
 
   CXmlSerializationContext ctx;
   ctx.GetFIContext().SetUseGeneratedVocabulary(true);
