@@ -36,22 +36,29 @@ using FilePtr = std::unique_ptr<FILE, FileCloser>;
   throw CKoException(FormatString(format, path) + ": " + detail);
 }
 
+const std::string& EmptyString() {
+  static const std::string empty;
+  return empty;
+}
+
+SharedString Share(const std::string& s) { return s.empty() ? nullptr : std::make_shared<const std::string>(s); }
+
 }  // namespace
 
-// ---- CXmlAttribute ---------------------------------------------------------
-
 CXmlAttribute::CXmlAttribute(const std::string& localName, const std::string& value, const std::string& namespaceUri)
-    : m_localName(localName), m_value(value), m_namespaceUri(namespaceUri) {}
+    : m_localName(localName), m_value(value), m_namespaceUri(Share(namespaceUri)) {}
 
-CXmlAttribute::CXmlAttribute(FromViews, std::string_view localName, std::string_view value, std::string_view namespaceUri)
-    : m_localName(localName), m_value(value), m_namespaceUri(namespaceUri) {}
+CXmlAttribute::CXmlAttribute(std::string_view localName, std::string_view value, SharedString namespaceUri)
+    : m_localName(localName), m_value(value), m_namespaceUri(std::move(namespaceUri)) {}
+
+const std::string& CXmlAttribute::GetNamespaceURI() const { return m_namespaceUri ? *m_namespaceUri : EmptyString(); }
 
 CXmlAttribute::~CXmlAttribute() = default;
 
-bool CXmlAttribute::IsNilAttribute() const { return IsInstanceNamespace(m_namespaceUri) && m_localName == "nil"; }
+bool CXmlAttribute::IsNilAttribute() const { return IsInstanceNamespace(GetNamespaceURI()) && m_localName == "nil"; }
 
 bool CXmlAttribute::IsNamespaceAttribute() const {
-  return IsInstanceNamespace(m_namespaceUri) &&
+  return IsInstanceNamespace(GetNamespaceURI()) &&
          (m_localName == "xmlns" || m_localName == "type" || m_localName == "schemaLocation" ||
           m_localName == "noNamespaceSchemaLocation");
 }
@@ -79,12 +86,15 @@ CXmlElement::~CXmlElement() {
   }
 }
 
+const std::string& CXmlElement::GetNamespaceURI() const { return m_namespaceUri ? *m_namespaceUri : EmptyString(); }
+
+void CXmlElement::SetNamespace(const std::string& namespaceUri) { m_namespaceUri = Share(namespaceUri); }
+
 const std::string& CXmlElement::GetAttribute(const std::string& localName, const std::string& namespaceUri) const {
-  static const std::string empty;
   for (const CXmlAttribute* attribute : m_attributes)
     if (attribute->GetLocalName() == localName && attribute->GetNamespaceURI() == namespaceUri)
       return attribute->GetValue();
-  return empty;
+  return EmptyString();
 }
 
 CXmlElement* CXmlElement::CreateNewChildElement() {
@@ -157,11 +167,12 @@ void CXmlDocument::Init() {
 }
 
 void CXmlDocument::Cleanup() {
-  m_documentElement.reset();
   m_input.reset();
+  m_documentElement.reset();
   m_inputLength = 0;
   m_openElements.clear();
   m_aliases.clear();
+  m_namespaces.clear();
 }
 
 void CXmlDocument::ReplaceInput(unsigned char* data, unsigned long length) {
@@ -276,7 +287,7 @@ CXmlElement* CXmlDocument::StartElement(std::string_view namespaceUri, std::stri
                                       static_cast<unsigned long>(MAX_ELEMENT_DEPTH)));
     element = parent->CreateNewChildElement();
   }
-  element->m_namespaceUri.assign(namespaceUri.data(), namespaceUri.size());
+  element->m_namespaceUri = Shared(namespaceUri);
   element->m_localName.assign(localName.data(), localName.size());
   m_openElements.push_back(element);
   return element;
@@ -301,10 +312,24 @@ void CXmlDocument::EndElement() {
   std::unique_ptr<CXmlElement> dropped(m_openElements.back()->RemoveLastChildElement());
 }
 
+SharedString CXmlDocument::Shared(std::string_view namespaceUri) {
+  // Documents use a handful of namespaces; a short list of the recent ones
+  // finds nearly every URI without hashing.
+  constexpr size_t kRemembered = 16;
+  if (namespaceUri.empty()) return nullptr;
+  for (const SharedString& known : m_namespaces)
+    if (*known == namespaceUri) return known;
+  SharedString added = std::make_shared<const std::string>(namespaceUri);
+  if (m_namespaces.size() == kRemembered) m_namespaces.erase(m_namespaces.begin());
+  m_namespaces.push_back(added);
+  return added;
+}
+
 void CXmlDocument::AddAttribute(CXmlElement* element, std::string_view localName, std::string_view value,
                                 std::string_view namespaceUri) {
-  element->m_attributes.reserve(element->m_attributes.size() + 1);
-  element->m_attributes.push_back(new CXmlAttribute(CXmlAttribute::FromViews{}, localName, value, namespaceUri));
+  std::vector<CXmlAttribute*>& attributes = element->m_attributes;
+  if (attributes.size() == attributes.capacity()) attributes.reserve(std::max<size_t>(4, 2 * attributes.size()));
+  attributes.push_back(new CXmlAttribute(localName, value, Shared(namespaceUri)));
 }
 
 void CXmlDocument::AddElementAttribute(CXmlElement* element, const std::string& localName,

@@ -16,6 +16,10 @@ class CXmlDocument;
 class CExpatReader;
 class CFastInfosetReader;
 
+// Namespace URIs repeat on nearly every node: the readers let the nodes
+// share one string per URI.
+using SharedString = std::shared_ptr<const std::string>;
+
 class KOXML_API CXmlAttribute {
  public:
   CXmlAttribute(const std::string& localName, const std::string& value, const std::string& namespaceUri);
@@ -23,7 +27,7 @@ class KOXML_API CXmlAttribute {
 
   const std::string& GetLocalName() const { return m_localName; }
   const std::string& GetValue() const { return m_value; }
-  const std::string& GetNamespaceURI() const { return m_namespaceUri; }
+  const std::string& GetNamespaceURI() const;
   // xsi:nil (also accepted in the xmlns namespace).
   bool IsNilAttribute() const;
   // xmlns, xsi:type, xsi:schemaLocation and xsi:noNamespaceSchemaLocation:
@@ -32,12 +36,11 @@ class KOXML_API CXmlAttribute {
 
  private:
   friend class CXmlDocument;
-  struct FromViews {};
-  CXmlAttribute(FromViews, std::string_view localName, std::string_view value, std::string_view namespaceUri);
+  CXmlAttribute(std::string_view localName, std::string_view value, SharedString namespaceUri);
 
   std::string m_localName;
   std::string m_value;
-  std::string m_namespaceUri;
+  SharedString m_namespaceUri;
 };
 
 // An element of the parsed tree: name, attributes in document order, and all
@@ -55,7 +58,7 @@ class KOXML_API CXmlElement {
   const CXmlDocument* GetOwnerDocument() const { return m_owner; }
   CXmlElement* GetFirstElement() const { return m_firstChild; }
   CXmlElement* GetNextSiblingElement() const { return m_nextSibling; }
-  const std::string& GetNamespaceURI() const { return m_namespaceUri; }
+  const std::string& GetNamespaceURI() const;
   const std::string& GetLocalName() const { return m_localName; }
   const std::string& GetText() const { return m_text; }
   const std::vector<CXmlAttribute*>& GetAttributes() const { return m_attributes; }
@@ -67,7 +70,7 @@ class KOXML_API CXmlElement {
   // Unlinks the last child and hands it to the caller; null without children.
   CXmlElement* RemoveLastChildElement();
   void SetElementName(const std::string& name) { m_localName = name; }
-  void SetNamespace(const std::string& namespaceUri) { m_namespaceUri = namespaceUri; }
+  void SetNamespace(const std::string& namespaceUri);
   void AppendText(const char* text, int length);
   void AppendText(const char* text);
   CXmlAttribute* AddAttribute(const std::string& localName, const std::string& value,
@@ -84,7 +87,7 @@ class KOXML_API CXmlElement {
   std::vector<CXmlAttribute*> m_attributes;
   std::string m_text;
   std::string m_localName;
-  std::string m_namespaceUri;
+  SharedString m_namespaceUri;  // null for no namespace
 };
 
 // The parsed tree and its loader. Byte streams and files may hold XML text
@@ -141,6 +144,8 @@ class KOXML_API CXmlDocument {
   friend class CFastInfosetReader;
 
   CXmlElement* StartElement(std::string_view namespaceUri, std::string_view localName);
+  // The shared copy of a namespace URI; null for the empty one.
+  SharedString Shared(std::string_view namespaceUri);
   void AddAttribute(CXmlElement* element, std::string_view localName, std::string_view value,
                     std::string_view namespaceUri);
   CXmlElement* TopElement() const { return m_openElements.empty() ? nullptr : m_openElements.back(); }
@@ -151,6 +156,7 @@ class KOXML_API CXmlDocument {
   std::unique_ptr<CXmlElement> m_documentElement;
   std::vector<CXmlElement*> m_openElements;
   std::map<std::string, std::string> m_aliases;
+  std::vector<SharedString> m_namespaces;
   std::unique_ptr<unsigned char[]> m_input;
   unsigned long m_inputLength = 0;
   SchemaType m_schemaType = SchemaTypeDefault;
