@@ -7,6 +7,7 @@
 
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/FastInfosetBinaryData.h"
+#include "KoXmlLib10/FastInfosetWriter.h"
 #include "KoXmlLib10/Unicode.h"
 
 namespace KoXmlLib10 {
@@ -45,19 +46,6 @@ constexpr uint64_t kAmplification = 100;
 constexpr uint64_t kMinimumBudget = uint64_t(16) << 20;
 // What an element or attribute costs beyond its strings.
 constexpr size_t kNodeCost = 16;
-
-// The XML declarations that may precede the header.
-const char* const kDeclarations[] = {
-    "<?xml encoding='finf'?>",
-    "<?xml encoding='finf' standalone='yes'?>",
-    "<?xml encoding='finf' standalone='no'?>",
-    "<?xml version='1.0' encoding='finf'?>",
-    "<?xml version='1.0' encoding='finf' standalone='yes'?>",
-    "<?xml version='1.0' encoding='finf' standalone='no'?>",
-    "<?xml version='1.1' encoding='finf'?>",
-    "<?xml version='1.1' encoding='finf' standalone='yes'?>",
-    "<?xml version='1.1' encoding='finf' standalone='no'?>",
-};
 
 [[noreturn]] void Fail(std::string message) { throw CKoException(std::move(message)); }
 
@@ -123,7 +111,7 @@ bool CFastInfosetReader::ReadHeader() {
   const size_t length = m_document.m_inputLength;
   if (!input) return false;
   if (CheckHeader(0)) return true;
-  for (const char* declaration : kDeclarations) {
+  for (const char* declaration : FI_DECLARATION_LIST) {
     const size_t size = std::strlen(declaration);
     if (length > size && std::memcmp(input, declaration, size) == 0) return CheckHeader(size);
   }
@@ -301,9 +289,15 @@ void CFastInfosetReader::ReadQName(unsigned char octet, CFIQNameTable& names) {
 void CFastInfosetReader::NameFromTable(uint32_t index, const CFIQNameTable& names) {
   if (index > names.size()) Fail(FormatString("Failed to parse FastInfoset. Index %u is not in the vocabulary.", index));
   const CQNameParts parts = names[index - 1];
-  m_prefix = parts.prefix ? Entry(m_vocabulary->GetPrefixNamesTable(), parts.prefix) : std::string();
-  m_namespaceUri = parts.namespaceName ? Entry(m_vocabulary->GetNamespaceNamesTable(), parts.namespaceName)
-                                       : std::string();
+  // Assigned in place: the strings keep their capacity from name to name.
+  if (parts.prefix)
+    m_prefix = Entry(m_vocabulary->GetPrefixNamesTable(), parts.prefix);
+  else
+    m_prefix.clear();
+  if (parts.namespaceName)
+    m_namespaceUri = Entry(m_vocabulary->GetNamespaceNamesTable(), parts.namespaceName);
+  else
+    m_namespaceUri.clear();
   m_localName = Entry(m_vocabulary->GetLocalNamesTable(), parts.localName);
 }
 
