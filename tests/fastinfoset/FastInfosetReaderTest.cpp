@@ -80,22 +80,12 @@ TEST(FastInfosetReader, HeaderRecognition) {
 
   Load(doc, "<?xml encoding='finf'?>" + ax);
   EXPECT_EQ(doc.GetDocumentElement()->GetText(), "x");
-  Load(doc, "<?xml version='1.1' encoding='finf' standalone='no'?>" + ax);
-  EXPECT_EQ(doc.GetDocumentElement()->GetText(), "x");
-
   Load(doc, "<?xml version=\"1.0\"?><b/>");  // text
   EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "b");
   // Four header octets alone are not Fast Infoset: expat rejects them.
   const std::string headerOnly = LoadFailure(ax.substr(0, 4));
   EXPECT_EQ(headerOnly.find("FastInfoset"), std::string::npos);
   EXPECT_NE(headerOnly.find(" at line 1"), std::string::npos);
-
-  std::string big = Root(S("\x90\x78") + std::string(300, '\xA0') + "\xFF");  // repetitive enough to shrink
-  CBinaryData zipped(reinterpret_cast<unsigned char*>(big.data()), big.size(), false);
-  CKoZip::CompressData(zipped, CompressionTypeZlib);
-  CXmlDocument fromZip;
-  fromZip.LoadXmlStream(zipped.GetData(), zipped.GetLength());
-  EXPECT_EQ(fromZip.GetDocumentElement()->GetText(), std::string(301, 'x'));
 }
 
 TEST(FastInfosetReader, NamesAttributesAndIndexes) {

@@ -4,9 +4,9 @@
 
 #include <KoXmlLib10.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 using namespace KoXmlLib10;
@@ -37,33 +37,35 @@ CBinaryData WriteFastInfoset(const Script& script, const CFastInfosetContext& co
   return stream.GetBinaryStream();
 }
 
-// A difference between two trees as text, empty when they are the same.
-std::string Difference(const CXmlElement* a, const CXmlElement* b) {
-  std::vector<std::pair<const CXmlElement*, const CXmlElement*>> pending{{a, b}};
+// The whole tree as one string, depth first, for comparison.
+std::string Dump(const CXmlElement* root) {
+  std::string out;
+  std::vector<const CXmlElement*> pending{root};
   while (!pending.empty()) {
-    auto [x, y] = pending.back();
+    const CXmlElement* e = pending.back();
     pending.pop_back();
-    if (!x || !y) return x ? "missing " + x->GetLocalName() : y ? "extra " + y->GetLocalName() : "";
-    const std::string where = x->GetLocalName().substr(0, 20) + ": ";
-    if (x->GetLocalName() != y->GetLocalName()) return where + "name " + y->GetLocalName();
-    if (x->GetNamespaceURI() != y->GetNamespaceURI()) return where + "namespace " + y->GetNamespaceURI();
-    if (x->GetText() != y->GetText())
-      return where + "text [" + x->GetText().substr(0, 40) + "] [" + y->GetText().substr(0, 40) + "]";
-    if (x->GetAttributes().size() != y->GetAttributes().size()) return where + "attribute count";
-    for (size_t i = 0; i < x->GetAttributes().size(); ++i) {
-      const CXmlAttribute& p = *x->GetAttributes()[i];
-      const CXmlAttribute& q = *y->GetAttributes()[i];
-      if (p.GetLocalName() != q.GetLocalName() || p.GetNamespaceURI() != q.GetNamespaceURI() ||
-          p.GetValue() != q.GetValue())
-        return where + "attribute " + p.GetLocalName() + "=" + p.GetValue() + " / " + q.GetLocalName() + "=" +
-               q.GetValue();
+    if (!e) {
+      out += ")";
+      continue;
     }
-    const CXmlElement* cx = x->GetFirstElement();
-    const CXmlElement* cy = y->GetFirstElement();
-    for (; cx || cy; cx = cx ? cx->GetNextSiblingElement() : nullptr, cy = cy ? cy->GetNextSiblingElement() : nullptr)
-      pending.emplace_back(cx, cy);
+    out += "(" + e->GetLocalName() + "{" + e->GetNamespaceURI() + "}";
+    for (const CXmlAttribute* a : e->GetAttributes())
+      out += " " + a->GetLocalName() + "{" + a->GetNamespaceURI() + "}=" + a->GetValue();
+    out += "[" + e->GetText() + "]";
+    pending.push_back(nullptr);
+    std::vector<const CXmlElement*> children;
+    for (const CXmlElement* c = e->GetFirstElement(); c; c = c->GetNextSiblingElement()) children.push_back(c);
+    pending.insert(pending.end(), children.rbegin(), children.rend());
   }
-  return "";
+  return out;
+}
+
+// Where two dumps part, with a little context; empty when they are equal.
+std::string Mismatch(const std::string& a, const std::string& b) {
+  if (a == b) return "";
+  const size_t at = std::mismatch(a.begin(), a.begin() + std::min(a.size(), b.size()), b.begin()).first - a.begin();
+  const size_t from = at < 40 ? 0 : at - 40;
+  return a.substr(from, 80) + "\n" + b.substr(from, 80);
 }
 
 // Loads both forms (the binary one also zlib-compressed) and compares them.
@@ -82,8 +84,10 @@ void ExpectSameTrees(const Script& script, const CFastInfosetContext& fi = CFast
     FAIL() << e.GetFullMessage();
   }
   ASSERT_NE(text.GetDocumentElement(), nullptr);
-  EXPECT_EQ(Difference(text.GetDocumentElement(), binary.GetDocumentElement()), "");
-  EXPECT_EQ(Difference(text.GetDocumentElement(), packed.GetDocumentElement()), "");
+  ASSERT_NE(binary.GetDocumentElement(), nullptr);
+  const std::string expected = Dump(text.GetDocumentElement());
+  EXPECT_EQ(Mismatch(expected, Dump(binary.GetDocumentElement())), "");
+  EXPECT_EQ(Mismatch(expected, Dump(packed.GetDocumentElement())), "");
 }
 
 std::string Numbered(const char* stem, int i) { return stem + std::to_string(i); }

@@ -8,11 +8,11 @@ using namespace KoXmlLib10;
 
 namespace {
 
-std::string Repetitive() {
+const std::string kText = [] {
   std::string text;
   for (int i = 0; i < 200; ++i) text += "<item>value</item>";
   return text;
-}
+}();
 
 CBinaryData BytesOf(const std::string& s) {
   return CBinaryData(reinterpret_cast<unsigned char*>(const_cast<char*>(s.data())), s.size(), false);
@@ -32,7 +32,7 @@ std::string Inflated(const CBinaryData& data) {
 }  // namespace
 
 TEST(KoZip, FramesAndRoundTrips) {
-  const std::string text = Repetitive();
+  const std::string& text = kText;
   CBinaryData gzip = BytesOf(text);
   CKoZip::CompressData(gzip, CompressionTypeGzip);
   ASSERT_GT(gzip.GetLength(), 2u);
@@ -69,7 +69,7 @@ TEST(KoZip, DataThatDoesNotShrinkFails) {
 }
 
 TEST(KoZip, AnythingButOneCompleteStreamStaysAsItIs) {
-  const std::string text = Repetitive();
+  const std::string& text = kText;
   EXPECT_EQ(Inflated(BytesOf(text)), text);
   const std::string fastInfoset("\xE0\x00\x00\x01\x00\x38\xF0\x3C\x00\x61\x90\x78\xFF", 13);
   EXPECT_EQ(Inflated(BytesOf(fastInfoset)), fastInfoset);
