@@ -1,12 +1,12 @@
 #include "KoXmlLib10/XmlTextWriter.h"
 
-#include <algorithm>
 #include <array>
-#include <cstring>
 #include <string_view>
+#include <typeinfo>
 
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/Streams.h"
+#include "foundation/StringBufferCursor.h"
 
 namespace KoXmlLib10 {
 
@@ -48,26 +48,12 @@ const char* EndOfLineText(EOLType type) {
 
 }  // namespace
 
-// The markup of one writer operation. Operations append many short pieces, so
-// appending is kept inline and the storage is reused from call to call.
-class CXmlMarkupBuffer {
+// The markup of one writer operation, written in place into the stream's
+// buffer: operations append many short pieces, so appending stays inline.
+class CXmlMarkupOutput : public CStringBufferCursor {
  public:
-  CXmlMarkupBuffer() { Grow(256); }  // never without storage, even for empty pieces
+  using CStringBufferCursor::CStringBufferCursor;
 
-  void Put(char c) {
-    Reserve(1);
-    m_data[m_length++] = c;
-  }
-  void Put(std::string_view text) {
-    Reserve(text.size());
-    Copy(m_data.get() + m_length, text.data(), text.size());
-    m_length += text.size();
-  }
-  void Repeat(char c, size_t count) {
-    Reserve(count);
-    std::memset(m_data.get() + m_length, c, count);
-    m_length += count;
-  }
   // " xmlns:prefix="uri"" without the leading space.
   void Declaration(std::string_view prefix, std::string_view uri) {
     Put("xmlns:");
@@ -96,41 +82,6 @@ class CXmlMarkupBuffer {
       ++p;
     }
   }
-
-  const char* Data() const { return m_data.get(); }
-  size_t Length() const { return m_length; }
-  void Clear() { m_length = 0; }
-
- private:
-  // Most pieces are names and short values: copying them with two overlapping
-  // fixed-size moves is much cheaper than a call into the C library.
-  static void Copy(char* to, const char* from, size_t count) {
-    if (count >= 8 && count <= 16) {
-      std::memcpy(to, from, 8);
-      std::memcpy(to + count - 8, from + count - 8, 8);
-    } else if (count >= 4 && count < 8) {
-      std::memcpy(to, from, 4);
-      std::memcpy(to + count - 4, from + count - 4, 4);
-    } else if (count < 4) {
-      for (size_t i = 0; i < count; ++i) to[i] = from[i];
-    } else {
-      std::memcpy(to, from, count);
-    }
-  }
-  void Reserve(size_t count) {
-    if (m_capacity - m_length < count) Grow(m_length + count);
-  }
-  void Grow(size_t needed) {
-    const size_t capacity = std::max(needed, 2 * m_capacity);
-    std::unique_ptr<char[]> data(new char[capacity]);
-    if (m_length) std::memcpy(data.get(), m_data.get(), m_length);
-    m_data = std::move(data);
-    m_capacity = capacity;
-  }
-
-  std::unique_ptr<char[]> m_data;
-  size_t m_length = 0;
-  size_t m_capacity = 0;
 };
 
 CXmlTextWriter::CXmlTextWriter(CTextStream& stream)
@@ -138,7 +89,7 @@ CXmlTextWriter::CXmlTextWriter(CTextStream& stream)
       m_eolType(EOLTypeLF),
       m_format(true),
       m_stream(stream),
-      m_markup(std::make_unique<CXmlMarkupBuffer>()) {}
+      m_streamFlushes(typeid(stream) != typeid(CTextStream)) {}
 
 CXmlTextWriter::~CXmlTextWriter() = default;
 
@@ -163,12 +114,9 @@ void CXmlTextWriter::Close() {
   CXmlWriter::Close();
 }
 
-void CXmlTextWriter::Commit(bool applyFlushRule) {
-  if (m_markup->Length()) {
-    m_stream.Append(m_markup->Data(), m_markup->Length());
-    m_markup->Clear();
-  }
-  if (applyFlushRule && m_stream.GetLength() > kFlushThreshold) m_stream.Flush();
+void CXmlTextWriter::Commit(CXmlMarkupOutput& out, bool applyFlushRule) {
+  out.Sync();
+  if (applyFlushRule && m_streamFlushes && out.Length() > kFlushThreshold) m_stream.Flush();
 }
 
 void CXmlTextWriter::RequireOpenStartTag() const {
@@ -177,83 +125,91 @@ void CXmlTextWriter::RequireOpenStartTag() const {
     throw CKoException("Attributes must be added before elements");
 }
 
-void CXmlTextWriter::PadAndAppend(const std::string& text, bool inAttribute) {
-  m_markup->Escape(text, inAttribute, m_eol);
+void CXmlTextWriter::PadAndAppend(CXmlMarkupOutput& out, const std::string& text,
+                                  bool inAttribute) {
+  out.Escape(text, inAttribute, m_eol);
 }
 
 void CXmlTextWriter::WriteStartDocument() {
-  m_markup->Put("<?xml version=\"1.0\"");
+  CXmlMarkupOutput out(m_stream.m_buffer);
+  out.Put("<?xml version=\"1.0\"");
   if (m_stream.GetEncoding() == XmlEncoding_UTF8)
-    m_markup->Put(" encoding=\"UTF-8\"");
+    out.Put(" encoding=\"UTF-8\"");
   else if (m_stream.GetEncoding() == XmlEncoding_UTF16)
-    m_markup->Put(" encoding=\"UTF-16\"");
-  m_markup->Put("?>");
-  m_markup->Put(m_eol);
-  Commit(true);
+    out.Put(" encoding=\"UTF-16\"");
+  out.Put("?>");
+  out.Put(m_eol);
+  Commit(out, true);
 }
 
 void CXmlTextWriter::WriteHeaderDirective(const std::string& text) {
   if (GetCurrentContext())
     throw CKoException("Headed directives must appear before an Element has been added.");
-  m_markup->Put(text);
-  m_markup->Put(m_eol);
-  Commit(true);
+  CXmlMarkupOutput out(m_stream.m_buffer);
+  out.Put(text);
+  out.Put(m_eol);
+  Commit(out, true);
 }
 
 void CXmlTextWriter::WriteComment(const std::string& text) {
-  m_markup->Put("<!--");
-  PadAndAppend(text, false);
-  m_markup->Put("-->");
-  m_markup->Put(m_eol);
-  Commit(true);
+  CXmlMarkupOutput out(m_stream.m_buffer);
+  out.Put("<!--");
+  PadAndAppend(out, text, false);
+  out.Put("-->");
+  out.Put(m_eol);
+  Commit(out, true);
 }
 
 void CXmlTextWriter::WritePI(const std::string& text) {
-  m_markup->Put(text);
-  m_markup->Put(m_eol);
-  m_markup->Put(m_eol);
-  Commit(true);
+  CXmlMarkupOutput out(m_stream.m_buffer);
+  out.Put(text);
+  out.Put(m_eol);
+  out.Put(m_eol);
+  Commit(out, true);
 }
 
 void CXmlTextWriter::WriteInlineSchema(const std::string& text) {
   // The schema becomes the first child: writing it inside the open start tag
   // would not be well-formed.
-  CloseStartTagForChild();
-  m_markup->Put(' ');
-  m_markup->Put(m_eol);
-  m_markup->Put(text);
-  m_markup->Put(m_eol);
-  Commit(true);
+  CXmlMarkupOutput out(m_stream.m_buffer);
+  CloseStartTagForChild(out);
+  out.Put(' ');
+  out.Put(m_eol);
+  out.Put(text);
+  out.Put(m_eol);
+  Commit(out, true);
 }
 
-void CXmlTextWriter::CloseStartTagForChild() {
+void CXmlTextWriter::CloseStartTagForChild(CXmlMarkupOutput& out) {
   CXmlWriterContext* parent = GetCurrentContext();
   if (!parent) return;
   parent->SetChildCount(parent->GetChildCount() + 1);
   if (parent->GetStartTagOpen()) {
-    m_markup->Put('>');
+    out.Put('>');
     parent->SetStartTagOpen(false);
-    if (m_format) m_markup->Put(m_eol);
+    if (m_format) out.Put(m_eol);
   }
 }
 
 void CXmlTextWriter::CloseParentElm() {
-  CloseStartTagForChild();
-  Commit(false);
+  CXmlMarkupOutput out(m_stream.m_buffer);
+  CloseStartTagForChild(out);
+  Commit(out, false);
 }
 
 void CXmlTextWriter::WriteRawElement(const std::string& text) {
-  m_markup->Put(text);
-  if (m_format) m_markup->Put(m_eol);
-  Commit(false);
+  CXmlMarkupOutput out(m_stream.m_buffer);
+  out.Put(text);
+  if (m_format) out.Put(m_eol);
+  Commit(out, false);
 }
 
 void CXmlTextWriter::WriteStartElement(const std::string& localName,
                                        const std::string& namespaceUri) {
-  CloseStartTagForChild();
+  CXmlMarkupOutput out(m_stream.m_buffer);
+  CloseStartTagForChild(out);
   CXmlWriterContext* element = PushContext(localName, namespaceUri);
   const bool outermost = element->GetDepth() == 0;
-  CXmlMarkupBuffer& out = *m_markup;
   if (m_format) out.Repeat('\t', element->GetDepth());
   out.Put('<');
 
@@ -292,27 +248,28 @@ void CXmlTextWriter::WriteStartElement(const std::string& localName,
       out.Declaration(prefix, uri);
     }
   }
-  Commit(true);
+  Commit(out, true);
 }
 
 void CXmlTextWriter::WriteString(const std::string& text, ItemType) {
   if (text.empty()) return;
+  CXmlMarkupOutput out(m_stream.m_buffer);
   CXmlWriterContext* element = GetCurrentContext();
   if (element && element->GetStartTagOpen()) {
-    m_markup->Put('>');
+    out.Put('>');
     element->SetStartTagOpen(false);
   }
   if (text[0] == '<' && text.compare(0, kCDataStart.size(), kCDataStart) == 0)
-    m_markup->Put(text);
+    out.Put(text);
   else
-    PadAndAppend(text, false);
-  Commit(true);
+    PadAndAppend(out, text, false);
+  Commit(out, true);
 }
 
 void CXmlTextWriter::WriteEndElement() {
   CXmlWriterContext* element = GetCurrentContext();
   if (!element) throw CKoException("There is no open Element to end.");
-  CXmlMarkupBuffer& out = *m_markup;
+  CXmlMarkupOutput out(m_stream.m_buffer);
   if (element->GetStartTagOpen()) {
     out.Put("/>");
   } else {
@@ -327,7 +284,7 @@ void CXmlTextWriter::WriteEndElement() {
     out.Put('>');
   }
   if (m_format) out.Put(m_eol);
-  Commit(true);
+  Commit(out, true);
   PopContext();
 }
 
@@ -335,7 +292,7 @@ void CXmlTextWriter::WriteAttributeString(const std::string& localName,
                                           const std::string& namespaceUri,
                                           const std::string& value, ItemType) {
   RequireOpenStartTag();
-  CXmlMarkupBuffer& out = *m_markup;
+  CXmlMarkupOutput out(m_stream.m_buffer);
   out.Put(' ');
   if (!namespaceUri.empty()) {
     // An attribute without a prefix is in no namespace, whatever the default.
@@ -350,9 +307,9 @@ void CXmlTextWriter::WriteAttributeString(const std::string& localName,
   }
   out.Put(localName);
   out.Put("=\"");
-  PadAndAppend(value, true);
+  PadAndAppend(out, value, true);
   out.Put('"');
-  Commit(true);
+  Commit(out, true);
 }
 
 void CXmlTextWriter::WriteAttributeType(const std::string& typeNamespaceUri,
@@ -365,9 +322,11 @@ void CXmlTextWriter::WriteAttributeType(const std::string& typeNamespaceUri,
   bool declared = false;
   const std::string& prefix = PrefixInScope(typeNamespaceUri, declared);
   if (declared) {
-    m_markup->Put(' ');
-    m_markup->Declaration(prefix, typeNamespaceUri);
-    m_markup->Put(' ');
+    // Handed to the stream before the attribute call writes its own markup.
+    CXmlMarkupOutput out(m_stream.m_buffer);
+    out.Put(' ');
+    out.Declaration(prefix, typeNamespaceUri);
+    out.Put(' ');
   }
   WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, prefix + ":" + typeName, type);
 }

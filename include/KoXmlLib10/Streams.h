@@ -43,6 +43,8 @@ class KOXML_API CTextStream {
   CBinaryData GetEncodedStream();
 
  protected:
+  friend class CXmlTextWriter;  // writes its markup straight into the buffer
+
   CStringBuffer m_buffer;
   XmlEncoding m_encoding;
 };

@@ -35,6 +35,8 @@ class KOXML_API CStringBuffer {
   void AddNewBlock();
 
  private:
+  friend class CStringBufferCursor;  // appends in place for the text writer
+
   std::vector<char*> m_blocks;
   std::vector<unsigned long> m_blockSizes;
   unsigned long m_blockSize;

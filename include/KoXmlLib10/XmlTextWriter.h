@@ -2,7 +2,6 @@
 #define KOXMLLIB10_XMLTEXTWRITER_H
 
 #include <cstdint>
-#include <memory>
 #include <string>
 
 #include "KoXmlLib10/Export.h"
@@ -11,7 +10,7 @@
 namespace KoXmlLib10 {
 
 class CTextStream;
-class CXmlMarkupBuffer;
+class CXmlMarkupOutput;
 
 // The line ends of written XML text.
 enum EOLType : int32_t {
@@ -53,18 +52,19 @@ class KOXML_API CXmlTextWriter : public CXmlWriter {
   void CloseParentElm();
 
  private:
-  void PadAndAppend(const std::string& text, bool inAttribute);
+  void PadAndAppend(CXmlMarkupOutput& out, const std::string& text, bool inAttribute);
   void RequireOpenStartTag() const;
-  void CloseStartTagForChild();
-  // Hands the markup of one operation to the stream, flushing a full stream if asked.
-  void Commit(bool applyFlushRule);
+  void CloseStartTagForChild(CXmlMarkupOutput& out);
+  // Hands the markup of one operation to the stream, flushing a full stream if
+  // asked. Nothing may be put into `out` afterwards.
+  void Commit(CXmlMarkupOutput& out, bool applyFlushRule);
 
   std::string m_eol;
   EOLType m_eolType;
   bool m_format;
   CTextStream& m_stream;
-  // Markup of the operation in progress; kept to reuse its storage.
-  std::unique_ptr<CXmlMarkupBuffer> m_markup;
+  // False for a plain memory stream, whose Flush() does nothing.
+  bool m_streamFlushes;
 };
 
 }  // namespace KoXmlLib10
