@@ -22,11 +22,13 @@ class CStringBufferCursor {
   CStringBufferCursor(const CStringBufferCursor&) = delete;
   CStringBufferCursor& operator=(const CStringBufferCursor&) = delete;
 
-  void Put(char c) {
+  // Put() is inlined at every call: a call per piece would cost more than
+  // copying most pieces.
+  [[gnu::always_inline]] void Put(char c) {
     if (m_pos == m_end) NextBlock();
     *m_pos++ = c;
   }
-  void Put(std::string_view text) {
+  [[gnu::always_inline]] void Put(std::string_view text) {
     if (text.size() <= static_cast<size_t>(m_end - m_pos)) {
       CopyShort(m_pos, text.data(), text.size());
       m_pos += text.size();
@@ -56,7 +58,7 @@ class CStringBufferCursor {
  private:
   // Most pieces are names and short values: two overlapping fixed-size moves
   // are much cheaper for them than a call into the C library.
-  static void CopyShort(char* to, const char* from, size_t count) {
+  [[gnu::always_inline]] static void CopyShort(char* to, const char* from, size_t count) {
     if (count >= 8 && count <= 16) {
       std::memcpy(to, from, 8);
       std::memcpy(to + count - 8, from + count - 8, 8);
@@ -75,12 +77,12 @@ class CStringBufferCursor {
     m_start = m_pos = block ? block + m_buffer.m_used : nullptr;
     m_end = block ? block + m_buffer.m_capacity : nullptr;
   }
-  void NextBlock() {
+  [[gnu::noinline]] void NextBlock() {
     Sync();
     m_buffer.AddNewBlock();
     Load();
   }
-  void PutAcrossBlocks(std::string_view text) {
+  [[gnu::noinline]] void PutAcrossBlocks(std::string_view text) {
     for (;;) {
       const size_t chunk = std::min(text.size(), static_cast<size_t>(m_end - m_pos));
       if (chunk > 0) std::memcpy(m_pos, text.data(), chunk);

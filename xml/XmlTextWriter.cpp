@@ -1,6 +1,8 @@
 #include "KoXmlLib10/XmlTextWriter.h"
 
 #include <array>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <typeinfo>
 
@@ -46,6 +48,52 @@ const char* EndOfLineText(EOLType type) {
   throw CKoException("Invalid EOL type.");
 }
 
+constexpr uint64_t kOnes = 0x0101010101010101ull;
+constexpr uint64_t kHighBits = 0x8080808080808080ull;
+
+// True when a byte of `word` is below `limit` (at most 0x80).
+constexpr bool AnyByteBelow(uint64_t word, unsigned limit) {
+  return ((word - kOnes * limit) & ~word & kHighBits) != 0;
+}
+
+constexpr bool AnyByteEquals(uint64_t word, unsigned char value) {
+  return AnyByteBelow(word ^ (kOnes * value), 1);
+}
+
+// False only when none of the 8 bytes needs escaping in either mode: every
+// such byte is a control byte (NUL, line feed, carriage return) or one of
+// " & < >, and OR-ing a bit pairs the last four up.
+constexpr bool MayNeedEscaping(uint64_t word) {
+  return AnyByteBelow(word, 0x0E) || AnyByteEquals(word | kOnes * 0x04, '&') ||
+         AnyByteEquals(word | kOnes * 0x02, '>');
+}
+
+uint64_t LoadWord(const char* p) {
+  uint64_t word;
+  std::memcpy(&word, p, sizeof word);
+  return word;
+}
+
+// The first byte in [p, end) that escaping does not copy unchanged, or end.
+// Plain text is checked 8 bytes at a time.
+const char* SkipPlainText(const char* p, const char* end, const ActionTable& actions) {
+  const auto plain = [&actions](char c) { return actions[static_cast<unsigned char>(c)] == kCopy; };
+  if (end - p >= 8) {
+    while (end - p >= 8) {
+      if (MayNeedEscaping(LoadWord(p))) {
+        for (const char* stop = p + 8; p < stop; ++p)
+          if (!plain(*p)) return p;
+      } else {
+        p += 8;
+      }
+    }
+    // The last word may overlap bytes already known to be plain.
+    if (p == end || !MayNeedEscaping(LoadWord(end - 8))) return end;
+  }
+  while (p < end && plain(*p)) ++p;
+  return p;
+}
+
 }  // namespace
 
 // The markup of one writer operation, written in place into the stream's
@@ -62,13 +110,16 @@ class CXmlMarkupOutput : public CStringBufferCursor {
     Put(uri);
     Put('"');
   }
+  // The text counts up to its first NUL.
   void Escape(const std::string& text, bool inAttribute, std::string_view endOfLine) {
     const ActionTable& actions = inAttribute ? kAttributeActions : kTextActions;
-    const char* p = text.c_str();
+    const char* p = text.data();
+    const char* const end = p + text.size();
     for (;;) {
       const char* run = p;
-      while (actions[static_cast<unsigned char>(*p)] == kCopy) ++p;
+      p = SkipPlainText(p, end, actions);
       Put(std::string_view(run, static_cast<size_t>(p - run)));
+      if (p == end) return;
       switch (actions[static_cast<unsigned char>(*p)]) {
         case kEnd: return;
         case kLineFeed: Put(inAttribute ? std::string_view("&#xA;") : endOfLine); break;
@@ -114,18 +165,18 @@ void CXmlTextWriter::Close() {
   CXmlWriter::Close();
 }
 
-void CXmlTextWriter::Commit(CXmlMarkupOutput& out, bool applyFlushRule) {
+inline void CXmlTextWriter::Commit(CXmlMarkupOutput& out, bool applyFlushRule) {
   out.Sync();
   if (applyFlushRule && m_streamFlushes && out.Length() > kFlushThreshold) m_stream.Flush();
 }
 
-void CXmlTextWriter::RequireOpenStartTag() const {
+inline void CXmlTextWriter::RequireOpenStartTag() const {
   const CXmlWriterContext* current = GetCurrentContext();
   if (!current || !current->GetStartTagOpen())
     throw CKoException("Attributes must be added before elements");
 }
 
-void CXmlTextWriter::PadAndAppend(CXmlMarkupOutput& out, const std::string& text,
+inline void CXmlTextWriter::PadAndAppend(CXmlMarkupOutput& out, const std::string& text,
                                   bool inAttribute) {
   out.Escape(text, inAttribute, m_eol);
 }
@@ -180,7 +231,7 @@ void CXmlTextWriter::WriteInlineSchema(const std::string& text) {
   Commit(out, true);
 }
 
-void CXmlTextWriter::CloseStartTagForChild(CXmlMarkupOutput& out) {
+inline void CXmlTextWriter::CloseStartTagForChild(CXmlMarkupOutput& out) {
   CXmlWriterContext* parent = GetCurrentContext();
   if (!parent) return;
   parent->SetChildCount(parent->GetChildCount() + 1);
