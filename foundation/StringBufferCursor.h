@@ -36,16 +36,6 @@ class CStringBufferCursor {
       PutAcrossBlocks(text);
     }
   }
-  void Repeat(char c, size_t count) {
-    while (count > 0) {
-      if (m_pos == m_end) NextBlock();
-      const size_t chunk = std::min(count, static_cast<size_t>(m_end - m_pos));
-      std::memset(m_pos, c, chunk);
-      m_pos += chunk;
-      count -= chunk;
-    }
-  }
-
   // The buffer's length including what was put since the last Sync().
   unsigned long Length() const { return m_buffer.m_length + static_cast<unsigned long>(m_pos - m_start); }
   void Sync() {

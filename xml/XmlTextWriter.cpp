@@ -8,6 +8,7 @@
 
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/Streams.h"
+#include "foundation/ShortText.h"
 #include "foundation/StringBufferCursor.h"
 
 namespace KoXmlLib10 {
@@ -102,6 +103,12 @@ class CXmlMarkupOutput : public CStringBufferCursor {
  public:
   using CStringBufferCursor::CStringBufferCursor;
 
+  // One tab per level, put in pieces: a few tabs are not worth a call.
+  void Indent(unsigned int depth) {
+    constexpr std::string_view kTabs = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+    for (; depth > kTabs.size(); depth -= kTabs.size()) Put(kTabs);
+    Put(kTabs.substr(0, depth));
+  }
   // " xmlns:prefix="uri"" without the leading space.
   void Declaration(std::string_view prefix, std::string_view uri) {
     Put("xmlns:");
@@ -261,7 +268,7 @@ void CXmlTextWriter::WriteStartElement(const std::string& localName,
   CloseStartTagForChild(out);
   CXmlWriterContext* element = PushContext(localName, namespaceUri);
   const bool outermost = element->GetDepth() == 0;
-  if (m_format) out.Repeat('\t', element->GetDepth());
+  if (m_format) out.Indent(element->GetDepth());
   out.Put('<');
 
   if (namespaceUri.empty()) {
@@ -271,7 +278,7 @@ void CXmlTextWriter::WriteStartElement(const std::string& localName,
       out.Put(" xmlns=\"\"");
       element->SetDefaultNamespace(std::string());
     }
-  } else if (namespaceUri == element->GetDefaultNamespace()) {
+  } else if (SameText(namespaceUri, element->GetDefaultNamespace())) {
     out.Put(localName);
   } else {
     bool declared = false;
@@ -324,10 +331,10 @@ void CXmlTextWriter::WriteEndElement() {
   if (element->GetStartTagOpen()) {
     out.Put("/>");
   } else {
-    if (m_format && element->GetChildCount() > 0) out.Repeat('\t', element->GetDepth());
+    if (m_format && element->GetChildCount() > 0) out.Indent(element->GetDepth());
     out.Put("</");
     const std::string& namespaceUri = element->GetNamespaceUri();
-    if (!namespaceUri.empty() && namespaceUri != element->GetDefaultNamespace()) {
+    if (!namespaceUri.empty() && !SameText(namespaceUri, element->GetDefaultNamespace())) {
       out.Put(element->GetNamespaceMapValue(namespaceUri));
       out.Put(':');
     }

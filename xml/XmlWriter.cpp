@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "KoXmlLib10/Exceptions.h"
+#include "foundation/ShortText.h"
 
 namespace KoXmlLib10 {
 
@@ -57,8 +58,10 @@ void Context::Reuse(const std::string& localName, const std::string& namespaceUr
   m_childCount = 0;
   m_startTagOpen = true;
   m_depth = parent->m_depth + 1;
-  m_namespaceUri = namespaceUri;
-  m_localName = localName;
+  // A reused context mostly comes from the previous sibling, which often had
+  // the same name and namespace: comparing is cheaper than copying.
+  if (!SameText(m_namespaceUri, namespaceUri)) m_namespaceUri = namespaceUri;
+  if (!SameText(m_localName, localName)) m_localName = localName;
   m_attributesWritten = false;
   m_defaultNamespace.clear();
   m_namespaceMap.reset();
