@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "KoXmlLib10/Unicode.h"
+#include "foundation/LocalText.h"
 
 // Every locale this library meets (all that glibc supports) encodes ASCII as
 // itself, so pure-ASCII text converts without the per-character locale calls;
@@ -149,14 +150,17 @@ CBinaryData CEncoder::UnicodeToUtf8Binary(const wchar_t* s) {
   return s ? WideToUtf8Binary(s, std::wcslen(s)) : CBinaryData();
 }
 
-CBinaryData CEncoder::LocalCodePageToUtf8Binary(const char* s) {
-  const size_t n = s ? std::strlen(s) : 0;
-  const unsigned char* bytes = reinterpret_cast<const unsigned char*>(s);
-  if (ASCII_ONLY || !DoesUTF8StrContainAnyCharsLargerThanOneByte(const_cast<unsigned char*>(bytes), n))
-    return BytesOf(s);
+bool LocalTextIsItsOwnUtf8(const char* text, size_t length) {
+  const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text);
+  if (ASCII_ONLY || !DoesUTF8StrContainAnyCharsLargerThanOneByte(const_cast<unsigned char*>(bytes), length))
+    return true;
   // In a UTF-8 locale, well-formed UTF-8 decodes and re-encodes to itself;
   // only ill-formed text needs the character-by-character conversion.
-  if (LocaleIsUtf8() && ConvertUTF8toUTF32(bytes, bytes + n, nullptr, nullptr) != 0) return BytesOf(s);
+  return LocaleIsUtf8() && ConvertUTF8toUTF32(bytes, bytes + length, nullptr, nullptr) != 0;
+}
+
+CBinaryData CEncoder::LocalCodePageToUtf8Binary(const char* s) {
+  if (LocalTextIsItsOwnUtf8(s, s ? std::strlen(s) : 0)) return BytesOf(s);
   const std::vector<wchar_t> wide = LocalToWide(s);
   return WideToUtf8Binary(wide.data(), wide.size());
 }

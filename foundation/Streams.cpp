@@ -6,6 +6,7 @@
 
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/Unicode.h"
+#include "foundation/LocalText.h"
 
 namespace KoXmlLib10 {
 
@@ -112,8 +113,17 @@ void CFileTextStream::Open() {
 void CFileTextStream::Flush() {
   if (GetLength() == 0) return;
   if (!m_file) throw CKoException("Failed to write data to the file");
-  m_work = GetEncodedStream();
-  if (!WriteAll(m_file, m_work.GetData(), m_work.GetLength())) {
+  bool written;
+  const char* text = GetText();
+  const size_t length = std::strlen(text);  // the encoders read up to the first NUL
+  if (m_encoding == XmlEncoding_UTF8 && LocalTextIsItsOwnUtf8(text, length)) {
+    // The encoded bytes would be the text itself: write it without the copy.
+    written = WriteAll(m_file, text, length);
+  } else {
+    m_work = GetEncodedStream();
+    written = WriteAll(m_file, m_work.GetData(), m_work.GetLength());
+  }
+  if (!written) {
     fclose(m_file);
     m_file = nullptr;
     throw CKoException("Failed to write data to the file");

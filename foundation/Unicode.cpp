@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 namespace {
 
@@ -25,6 +26,12 @@ int SequenceLength(unsigned char lead) {
   return lead < 0xFC ? 5 : 6;
 }
 
+bool AnyHighBit(const unsigned char* eightBytes) {
+  uint64_t word;
+  std::memcpy(&word, eightBytes, sizeof word);
+  return (word & 0x8080808080808080ull) != 0;
+}
+
 // Each reader yields one code point per Next(); false means the character
 // is ill-formed or truncated, which ends the conversion.
 struct Utf8Reader {
@@ -32,6 +39,14 @@ struct Utf8Reader {
   const unsigned char* end;
 
   bool AtEnd() const { return p >= end; }
+  // Steps over the ASCII bytes ahead, 8 at a time where it can; returns how
+  // many there were. Text is mostly ASCII, and each such byte is a character.
+  unsigned long SkipAscii() {
+    const unsigned char* start = p;
+    while (end - p >= 8 && !AnyHighBit(p)) p += 8;
+    while (p < end && *p < 0x80) ++p;
+    return static_cast<unsigned long>(p - start);
+  }
   bool Next(uint32_t& c) {
     const unsigned char lead = *p;
     if (lead < 0x80) {
@@ -158,6 +173,13 @@ unsigned long Convert(Reader in, Writer out) {
   const bool measure = out.p == nullptr;
   unsigned long written = 0;
   while (!in.AtEnd()) {
+    if constexpr (std::is_same_v<Reader, Utf8Reader>) {
+      // An ASCII byte is one unit in every target form.
+      if (measure) {
+        written += in.SkipAscii();
+        if (in.AtEnd()) break;
+      }
+    }
     uint32_t c;
     typename Writer::Unit units[4];
     const int n = in.Next(c) ? Writer::Encode(c, units) : 0;
@@ -255,9 +277,12 @@ unsigned long UnicodeToUTF16(const wchar_t* src, unsigned long srcLen, unsigned 
 }
 
 bool DoesUTF8StrContainAnyCharsLargerThanOneByte(unsigned char* s, unsigned long len) {
-  unsigned char any = 0;
-  for (unsigned long i = 0; i < len; ++i) any |= s[i];
-  return (any & 0x80) != 0;
+  unsigned long i = 0;
+  for (; len - i >= 8; i += 8)
+    if (AnyHighBit(s + i)) return true;
+  for (; i < len; ++i)
+    if (s[i] >= 0x80) return true;
+  return false;
 }
 
 bool DoesUnicodeStrContainAnyUTF8CharsLargerThanOneByte(const wchar_t* s, int len) {
