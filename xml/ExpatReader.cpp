@@ -85,7 +85,8 @@ void CExpatReader::Guarded(void* userData, Work&& work) {
 void CExpatReader::SplitName(const XML_Char* name, std::string& uri, std::string& local,
                              std::string_view& uriView, std::string_view& localView, bool useScratch) {
   const std::string_view whole(name);
-  const size_t separator = whole.rfind(kNameSeparator);
+  const void* last = memrchr(whole.data(), kNameSeparator, whole.size());
+  const size_t separator = last ? static_cast<const char*>(last) - whole.data() : std::string_view::npos;
   if (separator == std::string_view::npos) {
     uriView = std::string_view();
     localView = m_scratch.ToLocal(whole, local, useScratch);

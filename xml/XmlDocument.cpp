@@ -122,6 +122,7 @@ CXmlElement* CXmlElement::RemoveLastChildElement() {
 }
 
 void CXmlElement::Append(std::string_view text) {
+  if (text.empty()) return;
   // Text arrives in many small pieces: grow geometrically.
   const size_t length = m_text.size() + text.size();
   if (!m_text.empty() && length > m_text.capacity()) m_text.reserve(std::max(length, 2 * m_text.capacity()));
@@ -339,13 +340,16 @@ void CXmlDocument::AddElementAttribute(CXmlElement* element, const std::string& 
 
 void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const char* text, unsigned long length) {
   if (!element || !text) return;
-  const char* end = static_cast<const char*>(std::memchr(text, '\0', length));
-  std::string_view rest(text, end ? static_cast<size_t>(end - text) : length);
-  for (size_t cr = rest.find('\r'); cr != std::string_view::npos; cr = rest.find('\r')) {
-    element->Append(rest.substr(0, cr));
-    rest.remove_prefix(cr + 1);
+  // One pass over the chunk: carriage returns are left out, a NUL ends it.
+  const char* start = text;
+  const char* end = text + length;
+  for (const char* p = text; p < end; ++p) {
+    if (*p != '\r' && *p != '\0') continue;
+    element->Append(std::string_view(start, static_cast<size_t>(p - start)));
+    if (*p == '\0') return;
+    start = p + 1;
   }
-  element->Append(rest);
+  element->Append(std::string_view(start, static_cast<size_t>(end - start)));
 }
 
 void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const char* text) {
