@@ -10,7 +10,11 @@ seconds=${1:-60}
 build=build-fuzz
 
 CC=clang CXX=clang++ cmake -S fuzz -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-cmake --build "$build" -j "$(nproc)"
+mkdir -p "$build"
+if ! cmake --build "$build" -j "$(nproc)" >"$build/build.log" 2>&1; then
+  tail -n 50 "$build/build.log"
+  exit 1
+fi
 
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
