@@ -229,6 +229,17 @@ void CXmlDocument::Load(const char* path) {
     ThrowFileError(file, "Failed to get the size of the file [%s]", shownPath,
                    errno ? std::strerror(errno) : "the size cannot be determined");
   if (size == 0) ThrowFileError(file, "Failed to read the contents of the file [%s]", shownPath, "the file is empty");
+  // A directory opens like a file but reports a meaningless size and cannot
+  // be read: read one byte before trusting the size with an allocation.
+  unsigned char probe;
+  errno = 0;
+  if (std::fread(&probe, 1, 1, file.get()) != 1)
+    ThrowFileError(file, "Failed to read the contents of the file [%s]", shownPath,
+                   errno ? std::strerror(errno) : "the file cannot be read");
+  errno = 0;
+  if (std::fseek(file.get(), 0, SEEK_SET) != 0)
+    ThrowFileError(file, "Failed to read the contents of the file [%s]", shownPath,
+                   errno ? std::strerror(errno) : "the file cannot be read from its start");
 
   std::unique_ptr<unsigned char[]> input(new (std::nothrow) unsigned char[static_cast<size_t>(size)]);
   if (!input)

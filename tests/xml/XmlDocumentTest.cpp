@@ -2,7 +2,9 @@
 
 #include <KoXmlLib10.h>
 
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -157,6 +159,10 @@ TEST(XmlDocument, LoadErrors) {
   WriteFile(empty, "");
   EXPECT_EQ(FailureOf([&] { doc.Load(empty.c_str()); }).rfind("Failed to read the contents of the file [" + empty + "]", 0),
             0u);
+  // A directory opens but cannot be read; its reported size must not be allocated.
+  const std::string directory = ::testing::TempDir();
+  EXPECT_EQ(FailureOf([&] { doc.Load(directory.c_str()); }),
+            "Failed to read the contents of the file [" + directory + "]: " + std::strerror(EISDIR));
 
   EXPECT_EQ(FailureOf([&] { doc.LoadXml("<a>\n<b>\n</a>"); }), "mismatched tag at line 3");
   EXPECT_EQ(FailureOf([&] { doc.LoadXml("<a>\n\n"); }), "no element found at line 3");
