@@ -417,7 +417,10 @@ void CDateTime::SetZone(const char* z) {
   const std::string_view zone(z);
   if (!Matches(zone.substr(1), "hh:mm"))
     throw CKoInvalidValueException(FormatString("Invalid XSD Time Zone [%s]", z));
-  const int hour = FieldOf(zone.substr(1), "hh:mm", 'h') % 24;
+  // 24:00 is midnight of the next day, the same offset as 00:00; any other
+  // hour beyond 23 is left for SetTimeZone to reject.
+  int hour = FieldOf(zone.substr(1), "hh:mm", 'h');
+  if (hour == 24) hour = 0;
   const int minute = FieldOf(zone.substr(1), "hh:mm", 'm');
   const bool negative = z[0] == '-';
   SetTimeZone(static_cast<short>(negative ? -hour : hour), static_cast<unsigned char>(minute));

@@ -164,6 +164,9 @@ TEST(DateTime, ParserMessages) {
             "Invalid XSD Date [2000-01-01x01:00] expected CCYY-MM-DD[Z|[+|-]hh:mm]");
   EXPECT_EQ(DateError("2000-01-01+1:000"), "Invalid XSD Time Zone [+1:000]");
   EXPECT_EQ(DateError("2000-01-01+23:60"), "Invalid TimeZone [23:60]");
+  // Only hour 24 stands for 0; larger hours are out of range, not wrapped.
+  EXPECT_EQ(DateError("2000-01-01+25:00"), "Invalid TimeZone [25:0]");
+  EXPECT_EQ(DateError("2000-01-01-48:00"), "Invalid TimeZone [-48:0]");
   auto timeError = [](const char* s) {
     return MessageOf<CKoInvalidValueException>([s] { CDateTime().ParseXSDTime(s); });
   };
