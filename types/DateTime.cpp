@@ -837,11 +837,15 @@ bool IsLeapYear(int year) { return calendar::IsLeap(year); }
 
 int GetQuotient(long long a, int b) {
   if (b == 0) throw CKoInvalidParamException("Division by zero");
+  // The smallest long long divided by -1 traps; negate in unsigned arithmetic,
+  // which keeps the low bits like any other quotient too wide for an int.
+  if (b == -1) return static_cast<int>(0ULL - static_cast<unsigned long long>(a));
   return static_cast<int>(calendar::FloorDiv(a, b));
 }
 
 long long GetModulo(long long a, int b) {
   if (b == 0) throw CKoInvalidParamException("Division by zero");
+  if (b == -1) return 0;  // and the remainder of that division traps as well
   return calendar::FloorMod(a, b);
 }
 

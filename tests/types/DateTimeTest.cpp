@@ -2,6 +2,7 @@
 
 #include <KoXmlLib10.h>
 
+#include <climits>
 #include <cstdlib>
 #include <ctime>
 #include <string>
@@ -63,6 +64,11 @@ TEST(DateTime, LeapYearsAndFloorArithmetic) {
   EXPECT_EQ(GetModulo(-1, 12), 11);
   EXPECT_EQ(GetQuotient(-12, 12), -1);
   EXPECT_EQ(GetModulo(25, 12), 1);
+  EXPECT_EQ(GetQuotient(-7, -1), 7);
+  EXPECT_EQ(GetModulo(-7, -1), 0);
+  // The one quotient that overflows long long must not trap.
+  EXPECT_EQ(GetModulo(LLONG_MIN, -1), 0);
+  EXPECT_EQ(GetQuotient(LLONG_MIN, -1), 0);
 }
 
 TEST(DateTime, ParsesAndPrintsEveryKind) {
