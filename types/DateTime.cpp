@@ -417,7 +417,10 @@ void CDateTime::SetZone(const char* z) {
   const std::string_view zone(z);
   if (!Matches(zone.substr(1), "hh:mm"))
     throw CKoInvalidValueException(FormatString("Invalid XSD Time Zone [%s]", z));
-  const int hour = FieldOf(zone.substr(1), "hh:mm", 'h') % 24;
+  // 24:00 is midnight of the next day, the same offset as 00:00; any other
+  // hour beyond 23 is left for SetTimeZone to reject.
+  int hour = FieldOf(zone.substr(1), "hh:mm", 'h');
+  if (hour == 24) hour = 0;
   const int minute = FieldOf(zone.substr(1), "hh:mm", 'm');
   const bool negative = z[0] == '-';
   SetTimeZone(static_cast<short>(negative ? -hour : hour), static_cast<unsigned char>(minute));
@@ -834,11 +837,15 @@ bool IsLeapYear(int year) { return calendar::IsLeap(year); }
 
 int GetQuotient(long long a, int b) {
   if (b == 0) throw CKoInvalidParamException("Division by zero");
+  // The smallest long long divided by -1 traps; negate in unsigned arithmetic,
+  // which keeps the low bits like any other quotient too wide for an int.
+  if (b == -1) return static_cast<int>(0ULL - static_cast<unsigned long long>(a));
   return static_cast<int>(calendar::FloorDiv(a, b));
 }
 
 long long GetModulo(long long a, int b) {
   if (b == 0) throw CKoInvalidParamException("Division by zero");
+  if (b == -1) return 0;  // and the remainder of that division traps as well
   return calendar::FloorMod(a, b);
 }
 

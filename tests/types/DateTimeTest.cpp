@@ -2,6 +2,7 @@
 
 #include <KoXmlLib10.h>
 
+#include <climits>
 #include <cstdlib>
 #include <ctime>
 #include <string>
@@ -63,6 +64,11 @@ TEST(DateTime, LeapYearsAndFloorArithmetic) {
   EXPECT_EQ(GetModulo(-1, 12), 11);
   EXPECT_EQ(GetQuotient(-12, 12), -1);
   EXPECT_EQ(GetModulo(25, 12), 1);
+  EXPECT_EQ(GetQuotient(-7, -1), 7);
+  EXPECT_EQ(GetModulo(-7, -1), 0);
+  // The one quotient that overflows long long must not trap.
+  EXPECT_EQ(GetModulo(LLONG_MIN, -1), 0);
+  EXPECT_EQ(GetQuotient(LLONG_MIN, -1), 0);
 }
 
 TEST(DateTime, ParsesAndPrintsEveryKind) {
@@ -164,6 +170,9 @@ TEST(DateTime, ParserMessages) {
             "Invalid XSD Date [2000-01-01x01:00] expected CCYY-MM-DD[Z|[+|-]hh:mm]");
   EXPECT_EQ(DateError("2000-01-01+1:000"), "Invalid XSD Time Zone [+1:000]");
   EXPECT_EQ(DateError("2000-01-01+23:60"), "Invalid TimeZone [23:60]");
+  // Only hour 24 stands for 0; larger hours are out of range, not wrapped.
+  EXPECT_EQ(DateError("2000-01-01+25:00"), "Invalid TimeZone [25:0]");
+  EXPECT_EQ(DateError("2000-01-01-48:00"), "Invalid TimeZone [-48:0]");
   auto timeError = [](const char* s) {
     return MessageOf<CKoInvalidValueException>([s] { CDateTime().ParseXSDTime(s); });
   };
