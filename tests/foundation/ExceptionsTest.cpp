@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
+
 #include <KoXmlLib10.h>
 
 using namespace KoXmlLib10;
@@ -81,6 +84,18 @@ TEST(FormatString, EstimateNeverTruncatesKnownConversions) {
   EXPECT_EQ(FormatString("%g", 1e-300), "1e-300");
   EXPECT_EQ(FormatString("%ls", L"wide"), "wide");
   EXPECT_EQ(FormatString("%#x", 255), "0xff");
+}
+
+TEST(FormatString, SizePrefixesStepOverTheRightArguments) {
+  // Later string arguments are only found when earlier ones are stepped
+  // over by their real size.
+  EXPECT_EQ(FormatString("%zu %s", static_cast<size_t>(5), "tail"), "5 tail");
+  EXPECT_EQ(FormatString("%lld %s", -(1LL << 40), "tail"), "-1099511627776 tail");
+  EXPECT_EQ(FormatString("%lu %jd %td %s", 7ul, static_cast<intmax_t>(-8), static_cast<ptrdiff_t>(9), "tail"),
+            "7 -8 9 tail");
+  EXPECT_EQ(FormatString("%.2Lf %s", 2.5L, "tail"), "2.50 tail");
+  // An absurd width neither overflows the estimate nor crashes.
+  (void)FormatString("%99999999999d|", 1);
 }
 
 TEST(GeneratorVersion, StoredAndReadBack) {
