@@ -149,7 +149,10 @@ size_t EstimateLength(const char* format, va_list args) {
       case 'd': case 'i': case 'o': case 'u': case 'x': case 'X':
         switch (size) {
           case ArgSize::Long: (void)va_arg(args, long); break;
-          case ArgSize::LongLong: (void)va_arg(args, long long); break;
+          case ArgSize::LongLong:
+          case ArgSize::LongDouble:  // the C library reads %Ld as long long
+            (void)va_arg(args, long long);
+            break;
           case ArgSize::IntMax: (void)va_arg(args, intmax_t); break;
           case ArgSize::SizeT: (void)va_arg(args, size_t); break;
           case ArgSize::PtrDiff: (void)va_arg(args, ptrdiff_t); break;
