@@ -106,7 +106,8 @@ size_t EstimateLength(const char* format, va_list args) {
     }
     if (!widthFromArg) width = ReadNumber(p);
     int precision = 0;
-    if (*p == '.') {
+    const bool hasPrecision = *p == '.';
+    if (hasPrecision) {
       ++p;
       if (*p == '*') { precision = va_arg(args, int); ++p; }
       else precision = ReadNumber(p);
@@ -140,8 +141,12 @@ size_t EstimateLength(const char* format, va_list args) {
       case 's': case 'S': {
         const bool isWide = (*p == 'S' && !narrow) || (*p == 's' && wide);
         const void* s = va_arg(args, const void*);
+        // With a precision the text need not be terminated: printf reads no
+        // further than the precision, and neither may the estimate.
         if (!s) item = 6;
+        else if (isWide && hasPrecision) item = std::max<size_t>(1, wcsnlen(static_cast<const wchar_t*>(s), precision));
         else if (isWide) item = std::max<size_t>(1, std::wcslen(static_cast<const wchar_t*>(s)));
+        else if (hasPrecision) item = std::max<size_t>(1, strnlen(static_cast<const char*>(s), precision));
         else item = std::max<size_t>(1, std::strlen(static_cast<const char*>(s)));
         item = Clamp(item, width, precision);
         break;
