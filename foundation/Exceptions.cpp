@@ -1,6 +1,9 @@
 #include "KoXmlLib10/Exceptions.h"
 
+#include <algorithm>
 #include <cctype>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
@@ -65,11 +68,18 @@ KOXML_DEFINE_EXCEPTION(CKoOverFlowException, CKoException)
 
 namespace {
 
+// Widths and precisions saturate instead of overflowing; no real format comes
+// near the bound.
+constexpr int kMaxFieldSize = 1 << 20;
+
 int ReadNumber(const char*& p) {
   int n = 0;
-  while (std::isdigit(static_cast<unsigned char>(*p))) n = n * 10 + (*p++ - '0');
+  while (std::isdigit(static_cast<unsigned char>(*p))) n = std::min(n * 10 + (*p++ - '0'), kMaxFieldSize);
   return n;
 }
+
+// The argument an integer or floating conversion takes, by its size prefix.
+enum class ArgSize { Default, Long, LongLong, IntMax, SizeT, PtrDiff, LongDouble };
 
 // Length of a string or character item: a precision caps it, a wider width raises it.
 size_t Clamp(size_t length, int width, int precision) {
@@ -96,21 +106,31 @@ size_t EstimateLength(const char* format, va_list args) {
     }
     if (!widthFromArg) width = ReadNumber(p);
     int precision = 0;
-    if (*p == '.') {
+    const bool hasPrecision = *p == '.';
+    if (hasPrecision) {
       ++p;
       if (*p == '*') { precision = va_arg(args, int); ++p; }
       else precision = ReadNumber(p);
     }
-    bool is64 = false, narrow = false, wide = false;
+    // Besides I64, h and l, the C library's own size prefixes (ll, j, z, t)
+    // are honoured: stepping over an argument by the wrong size would make
+    // every later argument, and any later string pointer, misread.
+    bool narrow = false, wide = false;
+    ArgSize size = ArgSize::Default;
     for (;;) {
-      if (std::strncmp(p, "I64", 3) == 0) { is64 = true; p += 3; }
+      if (std::strncmp(p, "I64", 3) == 0) { size = ArgSize::LongLong; p += 3; }
       else if (*p == 'h') { narrow = true; ++p; }
-      else if (*p == 'l') { wide = true; ++p; }
-      else if (*p == 'F' || *p == 'L' || *p == 'N') ++p;
+      else if (*p == 'l') { size = wide ? ArgSize::LongLong : ArgSize::Long; wide = true; ++p; }
+      else if (*p == 'q') { size = ArgSize::LongLong; ++p; }
+      else if (*p == 'j') { size = ArgSize::IntMax; ++p; }
+      else if (*p == 'z') { size = ArgSize::SizeT; ++p; }
+      else if (*p == 't') { size = ArgSize::PtrDiff; ++p; }
+      else if (*p == 'L') { size = ArgSize::LongDouble; ++p; }
+      else if (*p == 'F' || *p == 'N') ++p;
       else break;
     }
-    if (width < 0) width = -width;  // a negative '*' width means left-justified
-    if (precision < 0) precision = 0;
+    width = std::min(width < 0 ? -std::max(width, -kMaxFieldSize) : width, kMaxFieldSize);  // negative: left-justified
+    precision = std::min(std::max(precision, 0), kMaxFieldSize);
     const size_t numeric = std::max<size_t>(32, static_cast<size_t>(width) + precision);
     size_t item = 0;
     switch (*p) {
@@ -121,15 +141,28 @@ size_t EstimateLength(const char* format, va_list args) {
       case 's': case 'S': {
         const bool isWide = (*p == 'S' && !narrow) || (*p == 's' && wide);
         const void* s = va_arg(args, const void*);
+        // With a precision the text need not be terminated: printf reads no
+        // further than the precision, and neither may the estimate.
         if (!s) item = 6;
+        else if (isWide && hasPrecision) item = std::max<size_t>(1, wcsnlen(static_cast<const wchar_t*>(s), precision));
         else if (isWide) item = std::max<size_t>(1, std::wcslen(static_cast<const wchar_t*>(s)));
+        else if (hasPrecision) item = std::max<size_t>(1, strnlen(static_cast<const char*>(s), precision));
         else item = std::max<size_t>(1, std::strlen(static_cast<const char*>(s)));
         item = Clamp(item, width, precision);
         break;
       }
       case 'd': case 'i': case 'o': case 'u': case 'x': case 'X':
-        if (is64) (void)va_arg(args, long long);
-        else (void)va_arg(args, int);
+        switch (size) {
+          case ArgSize::Long: (void)va_arg(args, long); break;
+          case ArgSize::LongLong:
+          case ArgSize::LongDouble:  // the C library reads %Ld as long long
+            (void)va_arg(args, long long);
+            break;
+          case ArgSize::IntMax: (void)va_arg(args, intmax_t); break;
+          case ArgSize::SizeT: (void)va_arg(args, size_t); break;
+          case ArgSize::PtrDiff: (void)va_arg(args, ptrdiff_t); break;
+          default: (void)va_arg(args, int); break;
+        }
         item = numeric;
         break;
       case 'p':
@@ -137,14 +170,19 @@ size_t EstimateLength(const char* format, va_list args) {
         item = numeric;
         break;
       case 'e': case 'g': case 'G':
-        (void)va_arg(args, double);
+        if (size == ArgSize::LongDouble) (void)va_arg(args, long double);
+        else (void)va_arg(args, double);
         item = std::max<size_t>(128, static_cast<size_t>(width) + precision);
         break;
       case 'f': {
-        const double value = va_arg(args, double);
-        std::vector<char> scratch(std::max(width, precision) + 318);
-        const int n = std::snprintf(scratch.data(), scratch.size(), "%*.*f", width,
-                                    precision + 6, value);
+        // A long double can print far longer than the scratch buffer holds;
+        // snprintf still reports the full length.
+        const bool isLong = size == ArgSize::LongDouble;
+        const long double value = isLong ? va_arg(args, long double) : va_arg(args, double);
+        std::vector<char> scratch(static_cast<size_t>(std::max(width, precision)) + 318);
+        const int n = isLong ? std::snprintf(scratch.data(), scratch.size(), "%*.*Lf", width, precision + 6, value)
+                             : std::snprintf(scratch.data(), scratch.size(), "%*.*f", width, precision + 6,
+                                             static_cast<double>(value));
         item = n > 0 ? static_cast<size_t>(n) : 0;
         break;
       }

@@ -22,6 +22,9 @@ CStringBuffer::CStringBuffer(unsigned long blockSize)
 CStringBuffer::~CStringBuffer() { Clear(); }
 
 void CStringBuffer::AddNewBlock() {
+  // Opening a block early leaves the current one part-filled: record what it
+  // really holds, or joining the blocks would copy past the text.
+  if (m_current) m_blockSizes.back() = m_used;
   char* block = new char[m_blockSize + 1]();
   m_blocks.push_back(block);
   m_blockSizes.push_back(m_blockSize);

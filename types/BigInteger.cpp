@@ -154,8 +154,10 @@ CBigInteger::CBigInteger(int i) : m_sign(i < 0 ? -1 : 1) {
 CBigInteger::CBigInteger(double d) : m_sign(d < 0 ? -1 : 1) {
   if (!std::isfinite(d))
     throw CKoInvalidValueException("ERROR: Infinity or NaN can not be converted to an integer.");
-  // ceil(|d| - 0.5) is exact in double arithmetic and sends halves down.
-  BuildDouble(std::ceil(std::fabs(d) - 0.5), m_digits);
+  // ceil(|d| - 0.5) sends halves down. From 2^52 on every double is an
+  // integer already, and |d| - 0.5 would round to an even neighbour there.
+  const double magnitude = std::fabs(d);
+  BuildDouble(magnitude >= 4503599627370496.0 ? magnitude : std::ceil(magnitude - 0.5), m_digits);
   FixZeroSign();
 }
 

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
 #include <KoXmlLib10.h>
 
 using namespace KoXmlLib10;
@@ -81,6 +85,21 @@ TEST(FormatString, EstimateNeverTruncatesKnownConversions) {
   EXPECT_EQ(FormatString("%g", 1e-300), "1e-300");
   EXPECT_EQ(FormatString("%ls", L"wide"), "wide");
   EXPECT_EQ(FormatString("%#x", 255), "0xff");
+}
+
+TEST(FormatString, ReadsArgumentsOnlyAsPrintfDoes) {
+  // Later string arguments are only found when earlier ones are stepped
+  // over by their real size.
+  EXPECT_EQ(FormatString("%zu %s", static_cast<size_t>(5), "tail"), "5 tail");
+  EXPECT_EQ(FormatString("%lld %s", -(1LL << 40), "tail"), "-1099511627776 tail");
+  EXPECT_EQ(FormatString("%lu %jd %td %s", 7ul, static_cast<intmax_t>(-8), static_cast<ptrdiff_t>(9), "tail"),
+            "7 -8 9 tail");
+  EXPECT_EQ(FormatString("%.2Lf %s", 2.5L, "tail"), "2.50 tail");
+  // A precision bounds the reading of an unterminated string.
+  const std::unique_ptr<char[]> unterminated(new char[3]{'a', 'b', 'c'});
+  EXPECT_EQ(FormatString("%.*s|%.2s", 3, unterminated.get(), unterminated.get()), "abc|ab");
+  // An absurd width neither overflows the estimate nor crashes.
+  (void)FormatString("%99999999999d|", 1);
 }
 
 TEST(GeneratorVersion, StoredAndReadBack) {

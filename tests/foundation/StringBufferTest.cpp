@@ -57,6 +57,16 @@ TEST(StringBuffer, LongAppendsSpanBlocks) {
   EXPECT_STREQ(tiny.GetText(), "abc");
 }
 
+TEST(StringBuffer, BlockOpenedEarlyJoinsOnlyItsText) {
+  CStringBuffer buffer(8);
+  buffer.Append("ab");
+  buffer.AddNewBlock();
+  buffer.Append("cd");
+  buffer.AddNewBlock();
+  EXPECT_EQ(buffer.GetLength(), 4u);
+  EXPECT_STREQ(buffer.GetText(), "abcd");
+}
+
 TEST(CriticalSection, GuardsSharedCounter) {
   CKOCriticalSection lock;
   int counter = 0;

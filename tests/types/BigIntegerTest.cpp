@@ -71,6 +71,10 @@ TEST(BigInteger, NonIntegerTextIsRoundedHalfTowardZero) {
   EXPECT_EQ(Str(CBigInteger(-2.5)), "-2");
   EXPECT_EQ(Str(CBigInteger(-2.6)), "-3");
   EXPECT_EQ(Str(CBigInteger(-0.4)), "0");
+  // Odd integers from 2^52 on sit next to no half: they stay as they are.
+  EXPECT_EQ(Str(CBigInteger(4503599627370497.0)), "4503599627370497");
+  EXPECT_EQ(Str(CBigInteger(-9007199254740991.0)), "-9007199254740991");
+  EXPECT_EQ(Str(CBigInteger(4503599627370495.5)), "4503599627370495");
   EXPECT_EQ(Str(CBigInteger(1e22)), "10000000000000000000000");
   EXPECT_EQ(Str(CBigInteger(std::ldexp(1.0, 70))), "1180591620717411303424");
   EXPECT_EQ(Str(CBigInteger(-std::ldexp(1.0, 64))), "-18446744073709551616");
