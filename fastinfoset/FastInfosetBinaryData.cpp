@@ -103,6 +103,8 @@ void CFastInfosetBinaryData::SetAsEncodedString(unsigned long algorithm, const c
       SetAsBase64(value.c_str());
       return;
     case kUuid:
+      // One value is one UUID: any other number of octets would not be a
+      // valid uuid-encoded string.
       SetAsHexString(value.c_str());
       if (GetLength() != kUuidLength) {
         Clear();

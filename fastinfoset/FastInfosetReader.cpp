@@ -72,6 +72,7 @@ CFastInfosetReader::~CFastInfosetReader() { Cleanup(); }
 
 void CFastInfosetReader::Cleanup() {
   m_alphabets.clear();
+  m_spelledNames.clear();
   m_vocabulary.reset();
   m_scratch.Free();
   m_position = m_end = nullptr;
@@ -280,15 +281,31 @@ void CFastInfosetReader::ReadQName(unsigned char octet, CFIQNameTable& names) {
   const uint32_t namespaceName =
       hasNamespace ? IdentifyingStringOrIndex(m_vocabulary->GetNamespaceNamesTable(), m_namespaceUri) : 0;
   const uint32_t localName = IdentifyingStringOrIndex(m_vocabulary->GetLocalNamesTable(), m_localName);
-  // A part that did not fit its full table cannot be referred to; the
-  // writer then leaves the name out of its table as well.
-  if (localName == 0 || (hasPrefix && prefix == 0) || (hasNamespace && namespaceName == 0)) return;
+  if (localName == 0 || (hasPrefix && prefix == 0) || (hasNamespace && namespaceName == 0)) {
+    // A part that did not fit its full table has no index. The name still
+    // takes the next entry, as every literal name does, and keeps its strings
+    // aside; an entry without a local-name index marks it.
+    const size_t before = names.size();
+    CFIVocabulary::AddQNameToVector(0, 0, 0, names);
+    if (names.size() > before)
+      m_spelledNames[{&names, static_cast<uint32_t>(names.size())}] = {m_prefix, m_namespaceUri, m_localName};
+    return;
+  }
   CFIVocabulary::AddQNameToVector(prefix, namespaceName, localName, names);
 }
 
 void CFastInfosetReader::NameFromTable(uint32_t index, const CFIQNameTable& names) {
   if (index > names.size()) Fail(FormatString("Failed to parse FastInfoset. Index %u is not in the vocabulary.", index));
   const CQNameParts parts = names[index - 1];
+  if (parts.localName == 0) {
+    const auto spelled = m_spelledNames.find({&names, index});
+    if (spelled != m_spelledNames.end()) {
+      m_prefix = spelled->second.prefix;
+      m_namespaceUri = spelled->second.namespaceUri;
+      m_localName = spelled->second.localName;
+      return;
+    }
+  }
   // Assigned in place: the strings keep their capacity from name to name.
   if (parts.prefix)
     m_prefix = Entry(m_vocabulary->GetPrefixNamesTable(), parts.prefix);

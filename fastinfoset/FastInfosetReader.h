@@ -2,9 +2,11 @@
 #define KOXMLLIB10_FASTINFOSET_FASTINFOSETREADER_H
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "KoXmlLib10/FastInfosetContext.h"
@@ -123,6 +125,13 @@ class CFastInfosetReader {
   CLocalTextScratch m_scratch;
   std::unique_ptr<CFIVocabulary> m_vocabulary;
   std::vector<std::vector<std::string_view>> m_alphabets;
+  // Names whose parts did not fit their full tables, by name table and index.
+  struct SpelledName {
+    std::string prefix;
+    std::string namespaceUri;
+    std::string localName;
+  };
+  std::map<std::pair<const CFIQNameTable*, uint32_t>, SpelledName> m_spelledNames;
   uint64_t m_budget = 0;
 };
 

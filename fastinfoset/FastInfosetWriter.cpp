@@ -295,7 +295,18 @@ void CFastInfosetWriter::WriteAttributeString(const std::string& localName,
   if (!m_pendingElement && !GetCurrentContext()->GetAttributesWritten())
     throw CKoException("Attributes must be added before elements");
   if (m_heldCount == m_heldAttributes.size()) m_heldAttributes.emplace_back();
-  CHeldAttribute& attribute = m_heldAttributes[m_heldCount++];
+  CHeldAttribute& attribute = m_heldAttributes[m_heldCount];
+  // The value first: a failure leaves neither the attribute nor a declaration behind.
+  const size_t start = m_out.size();
+  try {
+    PutAttributeValue(value, m_vocabulary->GetAttributeValuesMap(), m_context.GetAttributeMaxAddLength(), type);
+  } catch (...) {
+    m_out.resize(start);
+    throw;
+  }
+  attribute.encodedValue.assign(m_out, start, std::string::npos);
+  m_out.resize(start);
+  ++m_heldCount;
   // An attribute without a prefix is in no namespace, whatever the default.
   if (namespaceUri.empty())
     attribute.prefix.clear();
@@ -303,8 +314,6 @@ void CFastInfosetWriter::WriteAttributeString(const std::string& localName,
     attribute.prefix = PrefixFor(namespaceUri);
   attribute.namespaceUri = namespaceUri;
   attribute.localName = localName;
-  attribute.value = value;
-  attribute.type = type;
   // Held with a pending header; after a header written ahead, written at once.
   if (!m_pendingElement) {
     m_heldCount = 0;
@@ -316,8 +325,7 @@ void CFastInfosetWriter::WriteAttributeString(const std::string& localName,
 void CFastInfosetWriter::WriteAttribute(const CHeldAttribute& attribute) {
   PutQualifiedName(0x00, 2, attribute.prefix, attribute.namespaceUri, attribute.localName,
                    m_vocabulary->GetAttributeNamesMap());
-  PutAttributeValue(attribute.value, m_vocabulary->GetAttributeValuesMap(),
-                    m_context.GetAttributeMaxAddLength(), attribute.type);
+  m_out += attribute.encodedValue;
 }
 
 void CFastInfosetWriter::WriteAttributeType(const std::string& typeNamespaceUri,
@@ -439,6 +447,8 @@ void CFastInfosetWriter::PutAttributeValue(const std::string& value,
   if (value.size() >= maxAddLength) return PutEncodedCharacterString(0x00, value, type, 3);
   unsigned long index = 0;
   if (CFIVocabulary::FindIndex(values, value, index)) return PutInteger(0x80, index, 2);
+  // A full table takes no more entries, so the value must not ask to be added.
+  if (values.size() >= CFIVocabulary::MAX_ENTRIES) return PutEncodedCharacterString(0x00, value, type, 3);
   PutEncodedCharacterString(kAddToTableBit2, value, type, 3);
   CFIVocabulary::AddValueToMap(value, values);
 }
@@ -450,6 +460,7 @@ void CFastInfosetWriter::PutCharacterChunk(unsigned char prefix, const std::stri
   unsigned long index = 0;
   if (CFIVocabulary::FindIndex(chunks, text, index))
     return PutInteger(prefix | kCharacterChunkIndex, index, 4);
+  if (chunks.size() >= CFIVocabulary::MAX_ENTRIES) return PutEncodedCharacterString(prefix, text, type, 5);
   PutEncodedCharacterString(prefix | kAddToTableBit4, text, type, 5);
   CFIVocabulary::AddValueToMap(text, chunks);
 }

@@ -100,13 +100,15 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
  private:
   class COperation;
 
-  // An attribute held back with its element's header.
+  // An attribute held back with its element's header. Its value is encoded
+  // when the attribute is written, so that a value its encoding cannot carry
+  // fails in that call; the name waits, since the element's name enters the
+  // name tables first.
   struct CHeldAttribute {
     std::string prefix;
     std::string namespaceUri;
     std::string localName;
-    std::string value;
-    ItemType type = ItemType_none;
+    std::string encodedValue;
   };
   // A namespace attribute due on the pending element: an empty prefix is the
   // default namespace, an empty prefix and URI undeclares it.

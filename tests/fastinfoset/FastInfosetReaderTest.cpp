@@ -195,6 +195,21 @@ TEST(FastInfosetReader, ComponentsReadPast) {
   EXPECT_EQ(LoadFailure(indexed.bytes), "Failed to parse FastInfoset. Index 1 is not in the vocabulary.");
 }
 
+TEST(FastInfosetReader, NamesWhosePartsNoLongerFitKeepTheirIndex) {
+  CXmlSerializationContext ctx;
+  ctx.GetFIContext().SetUseGeneratedVocabulary(true);
+  CFIStringTable& localNames = ctx.GetFIContext().GetVocabulary()->GetLocalNamesTable();
+  for (size_t i = 0; i < CFIVocabulary::MAX_ENTRIES; ++i) CFIVocabulary::AddValueToVector("v", localNames);
+  // <a><b/><a/><b/></a>: the literal names are element names 1 and 2 although
+  // their local names find no room.
+  CXmlDocument doc(ctx);
+  Load(doc, Root(S("\x3C\x00\x62\xF0\x00\xF0\x01\xF0\xFF")));
+  std::string names = doc.GetDocumentElement()->GetLocalName();
+  for (const CXmlElement* e = doc.GetDocumentElement()->GetFirstElement(); e; e = e->GetNextSiblingElement())
+    names += " " + e->GetLocalName();
+  EXPECT_EQ(names, "a b a b");
+}
+
 TEST(FastInfosetReader, CorruptInput) {
   const std::string ax("\xE0\x00\x00\x01\x00\x38\xF0\x3C\x00\x61\x90\x78\xFF", 13);
   for (size_t length = 5; length < ax.size(); ++length)

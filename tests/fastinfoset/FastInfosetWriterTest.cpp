@@ -159,6 +159,32 @@ TEST(FastInfosetWriter, ValuesBelowTheMaxAddLengthAreIndexed) {
             "82 03 61 62 63 64 65 66 FF");
 }
 
+TEST(FastInfosetWriter, FullValueTablesTakeNoMoreEntries) {
+  Fi fi;
+  CFIVocabulary::IndexMap values;
+  for (size_t i = 0; i < CFIVocabulary::MAX_ENTRIES; ++i) CFIVocabulary::AddValueToMap(std::to_string(i), values);
+  fi.writer.NonIdentifyingStringOrIndexBit1("x", values, 6, ItemType_string);
+  fi.writer.NonIdentifyingStringOrIndexBit1("7", values, 6, ItemType_string);
+  fi.writer.NonIdentifyingStringOrIndexBit3(0x80, "x", values, 6, ItemType_string);
+  EXPECT_EQ(fi.Hex(), "00 78 87 80 78");  // literals without the add-to-table bit; known values stay indexed
+  EXPECT_EQ(values.size(), CFIVocabulary::MAX_ENTRIES);
+}
+
+TEST(FastInfosetWriter, AnAttributeValueFailsInTheCallThatWritesIt) {
+  Fi fi;
+  fi.context.SetSuggestedValues();
+  CFastInfosetWriter& w = fi.writer;
+  w.WriteStartDocument(FInfoDeclNone);
+  w.WriteStartElement("a", "");
+  EXPECT_EQ(ThrownMessage<CKoException>([&] { w.WriteAttributeString("t", "urn:n", "10:00:00.5", ItemType_time); }),
+            "Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
+  w.WriteAttributeString("u", "", "1", ItemType_string);
+  w.WriteEndElement();
+  w.WriteEndDocument();
+  // Neither the failed attribute nor its namespace is written.
+  EXPECT_EQ(fi.Hex(5), "78 F0 3C 00 61 78 00 75 40 31 FF F0");
+}
+
 TEST(FastInfosetWriter, TerminatorsShareOctetsWhenTheyFollowEachOther) {
   Fi fi;
   CFastInfosetWriter& w = fi.writer;
