@@ -93,9 +93,13 @@ class PatternCache {
   std::deque<std::string> m_order;
 };
 
+// A schema pattern describes the whole value. Anchoring the text alone is not
+// enough: "^a|ab$" would stop at the first alternative's "a" on the value
+// "ab". Requiring the match to end at the subject's end makes the matcher
+// backtrack into the later alternatives.
 bool MatchesWhole(CompiledPattern& compiled, const std::string& subject) {
   const int rc = pcre2_match(compiled.code.get(), reinterpret_cast<PCRE2_SPTR>(subject.data()), subject.size(), 0,
-                             PCRE2_ANCHORED, compiled.matchData.get(), nullptr);
+                             PCRE2_ANCHORED | PCRE2_ENDANCHORED, compiled.matchData.get(), nullptr);
   if (rc <= 0) return false;
   const PCRE2_SIZE* ovector = pcre2_get_ovector_pointer(compiled.matchData.get());
   return ovector[0] == 0 && ovector[1] == subject.size();

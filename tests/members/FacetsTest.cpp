@@ -170,6 +170,9 @@ TEST(RegEx, TranslationAnchoringAndMatching) {
   EXPECT_FALSE(TestRegEx("b", "abc"));
   EXPECT_FALSE(TestRegEx("abc", "abc\n"));
   EXPECT_FALSE(TestRegEx("a|b", "ab"));
+  EXPECT_TRUE(TestRegEx("a|ab", "ab"));  // a later alternative that covers the whole value
+  EXPECT_TRUE(TestRegEx("[0-9]{3}|[0-9]{5}", "12345"));
+  EXPECT_FALSE(TestRegEx("[0-9]{3}|[0-9]{5}", "1234"));
   EXPECT_TRUE(TestRegEx("(a)(b)?(c)*", "acc"));
   EXPECT_TRUE(TestRegEx("", ""));
   EXPECT_TRUE(TestRegEx("abc", std::string("abc\0def", 7)));  // the subject ends at NUL
