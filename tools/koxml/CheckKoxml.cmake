@@ -74,6 +74,35 @@ if(at EQUAL -1)
   message(FATAL_ERROR "info did not detect Fast Infoset:\n${KOXML_OUT}")
 endif()
 
+# Every figure info reports, on a document small enough to count by hand.
+file(WRITE ${WORK}/small.xml "<?xml version=\"1.0\"?>\n<!-- c -->\n<r xmlns=\"urn:a\" xmlns:p=\"urn:b\" a=\"1\">\n  <p:x p:k=\"v\" k2=\"w\">t</p:x>\n  <y><z/></y>\n  <y/>\n</r>\n")
+koxml(0 info small.xml)
+foreach(line "size:          129 bytes" "uncompressed:  129 bytes" "elements:      5"
+             "attributes:    3" "distinct names: 7" "namespaces:    2" "max depth:     3")
+  string(FIND "${KOXML_OUT}" "${line}" at)
+  if(at EQUAL -1)
+    message(FATAL_ERROR "info lacks '${line}':\n${KOXML_OUT}")
+  endif()
+endforeach()
+
+# --indent, --crlf and --strip-whitespace shape the text exactly.
+file(WRITE ${WORK}/layout.xml "<r a=\"1\">\n  <y>\n    <z/>\n  </y>\n  <y>t</y>\n</r>\n")
+koxml(0 convert layout.xml layout-out.xml --indent --crlf --strip-whitespace)
+# (Compared in hex: file(READ) as text drops carriage returns.)
+file(READ ${WORK}/layout-out.xml text HEX)
+string(HEX "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n<r a=\"1\">\r\n\t<y>\r\n\t\t<z/>\r\n\t</y>\r\n\t<y>t</y>\r\n</r>\r\n" expected)
+if(NOT text STREQUAL expected)
+  message(FATAL_ERROR "--indent --crlf --strip-whitespace gave (hex):\n${text}")
+endif()
+
+# The output file gets the permissions the umask allows, not the temporary file's private ones.
+execute_process(COMMAND sh -c "umask 027 && exec '${KOXML}' convert layout.xml shared.xml"
+                WORKING_DIRECTORY ${WORK} RESULT_VARIABLE rc)
+execute_process(COMMAND stat -c %a ${WORK}/shared.xml OUTPUT_VARIABLE mode OUTPUT_STRIP_TRAILING_WHITESPACE)
+if(NOT rc EQUAL 0 OR NOT mode STREQUAL "640")
+  message(FATAL_ERROR "convert under umask 027: exit ${rc}, mode ${mode}, expected 640")
+endif()
+
 # Failures: one line with the library's message, non-zero exit, no output file.
 file(WRITE ${WORK}/broken.xml "<a><b></a>")
 koxml(1 convert broken.xml out.xml)
@@ -86,7 +115,17 @@ string(FIND "${KOXML_ERR}" "koxml: Failed to open the file [missing.xml]" at)
 if(at EQUAL -1)
   message(FATAL_ERROR "unexpected message: ${KOXML_ERR}")
 endif()
-file(GLOB leftovers ${WORK}/out.xml*)
+# A failed conversion leaves an existing OUT as it was; a failed rename (OUT is a
+# directory) removes the temporary file it wrote.
+file(WRITE ${WORK}/existing.xml "keep")
+koxml(1 convert broken.xml existing.xml)
+file(READ ${WORK}/existing.xml kept)
+if(NOT kept STREQUAL "keep")
+  message(FATAL_ERROR "a failed conversion changed the existing output: ${kept}")
+endif()
+file(MAKE_DIRECTORY ${WORK}/adir)
+koxml(1 convert layout.xml adir)
+file(GLOB leftovers ${WORK}/out.xml* ${WORK}/existing.xml.* ${WORK}/adir.*)
 if(leftovers)
   message(FATAL_ERROR "failed conversion left files behind: ${leftovers}")
 endif()

@@ -10,6 +10,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -160,6 +161,11 @@ void WriteAll(const std::string& path, const unsigned char* data, size_t length)
   std::string temp = path + ".koxml-XXXXXX";
   const int fd = mkstemp(&temp[0]);
   if (fd < 0) throw CKoException(FormatString("Failed to write data to the file [%s]", path.c_str()));
+  // mkstemp creates the file private to its owner; give it the permissions a
+  // plain create would have, as the user's umask allows.
+  const mode_t mask = umask(0);
+  umask(mask);
+  fchmod(fd, 0666 & ~mask);
   FILE* f = fdopen(fd, "wb");
   bool ok = f && std::fwrite(data, 1, length, f) == length;
   ok = (f ? std::fclose(f) == 0 : (close(fd), false)) && ok;
