@@ -38,4 +38,9 @@ LD_LIBRARY_PATH="$tmp/prefix/lib" "$tmp/app/build/outside"
 PKG_CONFIG_PATH="$tmp/prefix/lib/pkgconfig" g++ -std=c++17 "$tmp/app/main.cpp" -o "$tmp/app/pc" \
   $(PKG_CONFIG_PATH="$tmp/prefix/lib/pkgconfig" pkg-config --cflags --libs koxmllib10)
 LD_LIBRARY_PATH="$tmp/prefix/lib" "$tmp/app/pc"
+# The koxml tool is installed with the library and finds it from its own prefix.
+"$tmp/prefix/bin/koxml" --version
+printf '<r xmlns="urn:x"><a k="v">t</a></r>' > "$tmp/app/in.xml"
+"$tmp/prefix/bin/koxml" convert "$tmp/app/in.xml" "$tmp/app/out.fi"
+"$tmp/prefix/bin/koxml" info "$tmp/app/out.fi" | grep -q "elements:      2"
 echo "install check passed"
