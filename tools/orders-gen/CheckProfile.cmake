@@ -1,0 +1,76 @@
+# A generated document has the shape benchmarks rely on: about 1 KB per order, every optional
+# attribute and element sometimes present and sometimes absent at roughly its intended rate,
+# one to eight items and zero to three tags per order, and about 2% of names and descriptions
+# that need escaping or carry non-ASCII letters.
+# Usage: cmake -DGENERATOR=... -DXMLLINT=... -DWORK=dir -P CheckProfile.cmake
+file(MAKE_DIRECTORY ${WORK})
+set(doc ${WORK}/orders-1m.xml)
+execute_process(COMMAND ${GENERATOR} 1000000 ${doc} RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "orders-gen failed: ${rc}")
+endif()
+
+function(count out xpath)
+  execute_process(COMMAND ${XMLLINT} --xpath "count(${xpath})" ${doc}
+                  RESULT_VARIABLE rc OUTPUT_VARIABLE n OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "xmllint --xpath count(${xpath}) failed")
+  endif()
+  set(${out} ${n} PARENT_SCOPE)
+endfunction()
+
+# Fails unless part/whole lies within [low, high] percent.
+function(expect_rate what part whole low high)
+  math(EXPR percent "100 * ${part} / ${whole}")
+  if(percent LESS low OR percent GREATER high)
+    message(FATAL_ERROR "${what}: ${part} of ${whole} (${percent}%), expected ${low}-${high}%")
+  endif()
+endfunction()
+
+set(order "//*[local-name()='order']")
+set(item "//*[local-name()='item']")
+count(orders "${order}")
+count(items "${item}")
+file(SIZE ${doc} size)
+math(EXPR perOrder "${size} / ${orders}")
+if(perOrder LESS 800 OR perOrder GREATER 1300)
+  message(FATAL_ERROR "${perOrder} bytes per order, expected about 1 KB")
+endif()
+
+count(n "${order}[@status]")
+expect_rate("orders with status" ${n} ${orders} 70 95)
+count(n "${order}[@currency]")
+expect_rate("orders with currency" ${n} ${orders} 60 90)
+count(n "${order}/*[local-name()='customer'][@vip]")
+expect_rate("customers with vip" ${n} ${orders} 10 40)
+count(n "${order}/*[local-name()='customer']/*[local-name()='phone']")
+expect_rate("customers with phone" ${n} ${orders} 40 80)
+count(n "${order}/*[local-name()='note']")
+expect_rate("orders with note" ${n} ${orders} 10 35)
+count(n "${item}/*[local-name()='weight']")
+expect_rate("items with weight" ${n} ${items} 40 80)
+count(n "${item}/*[local-name()='shipBy']")
+expect_rate("items with shipBy" ${n} ${items} 25 60)
+foreach(k 1 8)
+  count(n "${order}[count(*[local-name()='item'])=${k}]")
+  expect_rate("orders with ${k} items" ${n} ${orders} 1 100)
+endforeach()
+foreach(k 0 3)
+  count(n "${order}[count(*[local-name()='tag'])=${k}]")
+  expect_rate("orders with ${k} tags" ${n} ${orders} 10 40)
+endforeach()
+
+# A special leaf holds an escape or a byte outside ASCII. Semicolons go first: they would split
+# CMake's lists.
+file(READ ${doc} text)
+string(REPLACE ";" "" text "${text}")
+foreach(leaf name description)
+  string(REGEX MATCHALL "<${leaf}>[^<]*</${leaf}>" leaves "${text}")
+  list(LENGTH leaves all)
+  list(FILTER leaves INCLUDE REGEX "&amp|&lt|[^ -~]")
+  list(LENGTH leaves special)
+  math(EXPR permille "1000 * ${special} / ${all}")
+  if(permille LESS 5 OR permille GREATER 50)
+    message(FATAL_ERROR "${special} of ${all} ${leaf}s are special, expected about 2%")
+  endif()
+endforeach()
