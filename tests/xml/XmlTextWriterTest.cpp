@@ -85,6 +85,31 @@ TEST(XmlTextWriter, EscapingAndPassthrough) {
   EXPECT_EQ(Write([](CXmlTextWriter& w) { w.WriteComment("a<b\nc"); }, false), "<!--a&lt;b\nc-->\n");
 }
 
+TEST(XmlTextWriter, EscapingAtEveryPositionOfALongText) {
+  // Long texts are scanned several bytes at a time: each special byte must be
+  // found wherever it falls, alone among plain bytes.
+  const struct { char special; const char* inText; const char* inAttribute; } cases[] = {
+      {'&', "&amp;", "&amp;"}, {'<', "&lt;", "&lt;"}, {'>', "&gt;", "&gt;"}, {'"', "\"", "&quot;"},
+      {'\n', "\n", "&#xA;"},   {'\r', "", ""},        {'\0', nullptr, nullptr}};
+  for (const auto& c : cases)
+    for (size_t at = 0; at < 24; ++at) {
+      std::string value(24, 'x');
+      value[at] = c.special;
+      const std::string before = value.substr(0, at);
+      const std::string after = c.inText ? value.substr(at + 1) : "";  // a NUL ends the text
+      EXPECT_EQ(Write([&](CXmlTextWriter& w) { Element(w, "a", value); }, false),
+                "<a>" + before + (c.inText ? c.inText : "") + after + "</a>")
+          << int(c.special) << " at " << at;
+      EXPECT_EQ(Write([&](CXmlTextWriter& w) {
+                  w.WriteStartElement("a", "");
+                  w.WriteAttributeString("v", "", value, ItemType_string);
+                  w.WriteEndElement();
+                }, false),
+                "<a v=\"" + before + (c.inAttribute ? c.inAttribute : "") + after + "\"/>")
+          << int(c.special) << " at " << at;
+    }
+}
+
 TEST(XmlTextWriter, NamespacesDeclaredOnFirstUse) {
   EXPECT_EQ(Write([](CXmlTextWriter& w) { Element(w, "root", "t", "urn:a"); }),
             "<AA:root xmlns:AA=\"urn:a\">t</AA:root>\n");
