@@ -60,6 +60,17 @@ TEST(XmlTextWriter, LayoutWithAndWithoutFormat) {
   EXPECT_EQ(Write(Tree), "<root>\n\t<child>1</child>\n\t<empty/>\n\t<group>\n\t\t<leaf>x</leaf>\n"
                          "\t</group>\n</root>\n");
   EXPECT_EQ(Write(Tree, false), "<root><child>1</child><empty/><group><leaf>x</leaf></group></root>");
+  // Indentation deeper than any fixed run of tabs.
+  const int depth = 40;
+  std::string expected;
+  for (int level = 0; level < depth; ++level) expected += std::string(level, '\t') + "<e>\n";
+  expected += std::string(depth, '\t') + "<e/>\n";
+  for (int level = depth - 1; level >= 0; --level) expected += std::string(level, '\t') + "</e>\n";
+  EXPECT_EQ(Write([&](CXmlTextWriter& w) {
+              for (int level = 0; level <= depth; ++level) w.WriteStartElement("e", "");
+              for (int level = 0; level <= depth; ++level) w.WriteEndElement();
+            }),
+            expected);
   EXPECT_EQ(Write(Tree, true, EOLTypeCRLF),
             "<root>\r\n\t<child>1</child>\r\n\t<empty/>\r\n\t<group>\r\n\t\t<leaf>x</leaf>\r\n"
             "\t</group>\r\n</root>\r\n");
