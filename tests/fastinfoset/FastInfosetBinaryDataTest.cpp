@@ -36,7 +36,8 @@ TEST(FastInfosetBinaryData, EachAlgorithmEncodesOneValue) {
   EXPECT_EQ(Encoded(6, "false"), Octets{0x30});
   EXPECT_EQ(Encoded(7, "1.5"), (Octets{0x3F, 0xC0, 0x00, 0x00}));
   EXPECT_EQ(Encoded(8, "-2"), (Octets{0xC0, 0, 0, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(Encoded(9, "00112233445566778899AABBCCDDEEFF").size(), 16u);
+  EXPECT_EQ(Encoded(9, "00112233445566778899AABBCCDDEEFF"),
+            (Octets{0x00, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}));
   EXPECT_EQ(Encoded(10, "a<b"), (Octets{'a', '<', 'b'}));
 
   CFastInfosetBinaryData data("stale");

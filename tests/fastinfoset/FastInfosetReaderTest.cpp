@@ -2,6 +2,7 @@
 
 #include <KoXmlLib10.h>
 
+#include <algorithm>
 #include <functional>
 #include <initializer_list>
 #include <string>
@@ -166,6 +167,75 @@ TEST(FastInfosetReader, AlphabetsAndAlgorithms) {
   EXPECT_EQ(LoadFailure(Root(S("\x88\x08\x00\xFF"))),  // alphabet 3 does not exist by default
             "Failed to parse FastInfoset. Invalid Encoding of Restricted Alphabet. Alphabet must contain between 2 "
             "and 2^20 characters.");
+}
+
+TEST(FastInfosetReader, IndexesAtEveryRangeBoundary) {
+  // Tables filled in advance so that indexes reach the last range of every
+  // integer form; the entries at the boundaries carry their own index.
+  CXmlSerializationContext ctx;
+  CFastInfosetContext& fi = ctx.GetFIContext();
+  fi.SetUseGeneratedVocabulary(true);
+  CFIVocabulary& v = *fi.GetVocabulary();
+  const unsigned long max = 1ul << 20;
+  const std::vector<unsigned long> elementNames = {32, 33, 2080, 2081, 526368, 526369, max};  // third bit
+  const std::vector<unsigned long> attributeNames = {64, 65, 8256, 8257, max};                // second bit
+  const std::vector<unsigned long> values = {64, 65, 8256, 8257};                             // second bit
+  const std::vector<unsigned long> chunks = {16, 17, 1040, 1041, 263184, 263185, 16};         // fourth bit
+  CFIVocabulary::AddValueToVector("filler", v.GetLocalNamesTable());
+  auto fillNames = [&](CFIQNameTable& table, const std::vector<unsigned long>& marked) {
+    for (unsigned long i = 1; i <= max; ++i) {
+      unsigned long local = 1;
+      if (std::find(marked.begin(), marked.end(), i) != marked.end()) {
+        CFIVocabulary::AddValueToVector("n" + std::to_string(i), v.GetLocalNamesTable());
+        local = v.GetLocalNamesTable().size();
+      }
+      CFIVocabulary::AddQNameToVector(0, 0, local, table);
+    }
+  };
+  fillNames(v.GetElementNamesTable(), elementNames);
+  fillNames(v.GetAttributeNamesTable(), attributeNames);
+  auto fillStrings = [](CFIStringTable& table, const std::vector<unsigned long>& marked, const char* stem) {
+    for (unsigned long i = 1; i <= *std::max_element(marked.begin(), marked.end()); ++i)
+      CFIVocabulary::AddValueToVector(
+          std::find(marked.begin(), marked.end(), i) != marked.end() ? stem + std::to_string(i) : "", table);
+  };
+  fillStrings(v.GetAttributeValuesTable(), values, "v");
+  fillStrings(v.GetCharacterChunksTable(), chunks, "c");
+
+  // The octets of each index come from the writer's encoders.
+  CFastInfosetContext plain;
+  CBinaryStream encoded;
+  CFastInfosetWriter writer(plain, encoded);
+  for (size_t i = 0; i < attributeNames.size(); ++i) {
+    writer.Integer1To2pw20Bit2(0x00, attributeNames[i]);
+    writer.Integer0To2pw20Bit2(0x80, values[i < values.size() ? i : 0]);
+  }
+  encoded.Append(static_cast<unsigned char>(0xF0));
+  for (size_t i = 0; i < elementNames.size(); ++i) {
+    if (i > 0) encoded.Append(static_cast<unsigned char>(0xF0));
+    writer.Integer1To2pw20Bit3(0x00, elementNames[i]);
+    writer.Integer1To2pw20Bit4(0xA0, chunks[i]);
+  }
+  encoded.Append(static_cast<unsigned char>(0xFF));
+  encoded.Append(static_cast<unsigned char>(0xF0));
+  const CBinaryData data = encoded.GetBinaryStream();
+  const std::string body(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
+
+  CXmlDocument doc(ctx);
+  Load(doc, Root(body, 0x78));
+  const CXmlElement* root = doc.GetDocumentElement();
+  ASSERT_NE(root, nullptr);
+  std::string seen;
+  for (const CXmlAttribute* a : root->GetAttributes()) seen += a->GetLocalName() + "=" + a->GetValue() + " ";
+  for (const CXmlElement* e = root->GetFirstElement(); e; e = e->GetNextSiblingElement())
+    seen += e->GetLocalName() + "[" + e->GetText() + "] ";
+  EXPECT_EQ(seen,
+            "n64=v64 n65=v65 n8256=v8256 n8257=v8257 n1048576=v64 "
+            "n32[c16] n33[c17] n2080[c1040] n2081[c1041] n526368[c263184] n526369[c263185] n1048576[c16] ");
+
+  // One past the largest index is no index at all.
+  EXPECT_EQ(LoadFailure(Root(S("\x30\x07\xF7\xE0\xFF")), ctx),
+            "Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the third bit of an octet.");
 }
 
 TEST(FastInfosetReader, ComponentsReadPast) {

@@ -267,14 +267,22 @@ TEST(FastInfosetWriter, RestrictedAlphabetsAndAlgorithms) {
 }
 
 TEST(FastInfosetWriter, DeclarationsAndExternalVocabulary) {
+  const char* const declarations[] = {
+      "<?xml encoding='finf'?>",
+      "<?xml encoding='finf' standalone='yes'?>",
+      "<?xml encoding='finf' standalone='no'?>",
+      "<?xml version='1.0' encoding='finf'?>",
+      "<?xml version='1.0' encoding='finf' standalone='yes'?>",
+      "<?xml version='1.0' encoding='finf' standalone='no'?>",
+      "<?xml version='1.1' encoding='finf'?>",
+      "<?xml version='1.1' encoding='finf' standalone='yes'?>",
+      "<?xml version='1.1' encoding='finf' standalone='no'?>"};
   for (int decl = FInfoDeclFinf; decl <= FInfoDecl11StandaloneNo; ++decl) {
     Fi fi;
     fi.writer.WriteStartDocument(static_cast<FInfoDecl>(decl));
-    const std::string text = FI_DECLARATION_LIST[decl - 1];
-    EXPECT_EQ(fi.Hex(text.size()), "E0 00 00 01 00") << decl;
+    EXPECT_EQ(fi.Hex(), HexOf(declarations[decl - 1]) + "E0 00 00 01 00") << decl;
+    EXPECT_STREQ(FI_DECLARATION_LIST[decl - 1], declarations[decl - 1]);
   }
-  EXPECT_STREQ(FI_DECLARATION_LIST[0], "<?xml encoding='finf'?>");
-  EXPECT_STREQ(FI_DECLARATION_LIST[8], "<?xml version='1.1' encoding='finf' standalone='no'?>");
   Fi bad;
   EXPECT_THROW(bad.writer.WriteStartDocument(static_cast<FInfoDecl>(10)), CKoException);
 

@@ -60,6 +60,17 @@ TEST(XmlTextWriter, LayoutWithAndWithoutFormat) {
   EXPECT_EQ(Write(Tree), "<root>\n\t<child>1</child>\n\t<empty/>\n\t<group>\n\t\t<leaf>x</leaf>\n"
                          "\t</group>\n</root>\n");
   EXPECT_EQ(Write(Tree, false), "<root><child>1</child><empty/><group><leaf>x</leaf></group></root>");
+  // Indentation deeper than any fixed run of tabs.
+  const int depth = 40;
+  std::string expected;
+  for (int level = 0; level < depth; ++level) expected += std::string(level, '\t') + "<e>\n";
+  expected += std::string(depth, '\t') + "<e/>\n";
+  for (int level = depth - 1; level >= 0; --level) expected += std::string(level, '\t') + "</e>\n";
+  EXPECT_EQ(Write([&](CXmlTextWriter& w) {
+              for (int level = 0; level <= depth; ++level) w.WriteStartElement("e", "");
+              for (int level = 0; level <= depth; ++level) w.WriteEndElement();
+            }),
+            expected);
   EXPECT_EQ(Write(Tree, true, EOLTypeCRLF),
             "<root>\r\n\t<child>1</child>\r\n\t<empty/>\r\n\t<group>\r\n\t\t<leaf>x</leaf>\r\n"
             "\t</group>\r\n</root>\r\n");
@@ -83,6 +94,31 @@ TEST(XmlTextWriter, EscapingAndPassthrough) {
             }),
             "<a v=\"&quot;&#xA;&amp;&lt;'&gt;\"/>\n");
   EXPECT_EQ(Write([](CXmlTextWriter& w) { w.WriteComment("a<b\nc"); }, false), "<!--a&lt;b\nc-->\n");
+}
+
+TEST(XmlTextWriter, EscapingAtEveryPositionOfALongText) {
+  // Long texts are scanned several bytes at a time: each special byte must be
+  // found wherever it falls, alone among plain bytes.
+  const struct { char special; const char* inText; const char* inAttribute; } cases[] = {
+      {'&', "&amp;", "&amp;"}, {'<', "&lt;", "&lt;"}, {'>', "&gt;", "&gt;"}, {'"', "\"", "&quot;"},
+      {'\n', "\n", "&#xA;"},   {'\r', "", ""},        {'\0', nullptr, nullptr}};
+  for (const auto& c : cases)
+    for (size_t at = 0; at < 24; ++at) {
+      std::string value(24, 'x');
+      value[at] = c.special;
+      const std::string before = value.substr(0, at);
+      const std::string after = c.inText ? value.substr(at + 1) : "";  // a NUL ends the text
+      EXPECT_EQ(Write([&](CXmlTextWriter& w) { Element(w, "a", value); }, false),
+                "<a>" + before + (c.inText ? c.inText : "") + after + "</a>")
+          << int(c.special) << " at " << at;
+      EXPECT_EQ(Write([&](CXmlTextWriter& w) {
+                  w.WriteStartElement("a", "");
+                  w.WriteAttributeString("v", "", value, ItemType_string);
+                  w.WriteEndElement();
+                }, false),
+                "<a v=\"" + before + (c.inAttribute ? c.inAttribute : "") + after + "\"/>")
+          << int(c.special) << " at " << at;
+    }
 }
 
 TEST(XmlTextWriter, NamespacesDeclaredOnFirstUse) {
