@@ -9,21 +9,20 @@
 
 namespace KoXmlLib10 {
 
-CPrimitiveRestrictions::CPrimitiveRestrictions()
-    : m_minLength(-1), m_maxLength(-1), m_length(-1) {}
+CPrimitiveRestrictions::CPrimitiveRestrictions() = default;
 
 CPrimitiveRestrictions::CPrimitiveRestrictions(const char* pattern, int minLength, int maxLength,
                                                const char* minInclusive, const char* maxInclusive,
                                                const char* minExclusive, const char* maxExclusive,
                                                int length)
-    : m_pattern(pattern ? pattern : ""),
-      m_minLength(minLength),
-      m_maxLength(maxLength),
-      m_minInclusive(minInclusive ? minInclusive : ""),
-      m_maxInclusive(maxInclusive ? maxInclusive : ""),
-      m_minExclusive(minExclusive ? minExclusive : ""),
-      m_maxExclusive(maxExclusive ? maxExclusive : ""),
-      m_length(length) {}
+    : pattern(pattern ? pattern : ""),
+      minLength(minLength),
+      maxLength(maxLength),
+      minInclusive(minInclusive ? minInclusive : ""),
+      maxInclusive(maxInclusive ? maxInclusive : ""),
+      minExclusive(minExclusive ? minExclusive : ""),
+      maxExclusive(maxExclusive ? maxExclusive : ""),
+      length(length) {}
 
 CPrimitiveRestrictions::~CPrimitiveRestrictions() = default;
 
@@ -74,10 +73,10 @@ void CheckBounds(const T& value, const CPrimitiveRestrictions& r, Parse parse, F
   const struct {
     const std::string& text;
     bool (*passes)(int);
-  } bounds[] = {{r.GetMinInclusive(), PassesMinInclusive},
-                {r.GetMaxInclusive(), PassesMaxInclusive},
-                {r.GetMinExclusive(), PassesMinExclusive},
-                {r.GetMaxExclusive(), PassesMaxExclusive}};
+  } bounds[] = {{r.minInclusive, PassesMinInclusive},
+                {r.maxInclusive, PassesMaxInclusive},
+                {r.minExclusive, PassesMinExclusive},
+                {r.maxExclusive, PassesMaxExclusive}};
   for (const auto& bound : bounds) {
     if (bound.text.empty()) continue;
     const T limit = parse(bound.text, kCollapse);
@@ -98,9 +97,9 @@ void CheckShownAsText(const char* name, const T& value, const CPrimitiveRestrict
 bool BreaksLength(unsigned long long length, const CPrimitiveRestrictions& r) {
   const auto set = [](int facet) { return facet >= 0; };
   const auto facet = [](int value) { return static_cast<unsigned long long>(value); };
-  return (set(r.GetMinLength()) && length < facet(r.GetMinLength())) ||
-         (set(r.GetMaxLength()) && length > facet(r.GetMaxLength())) ||
-         (set(r.GetLength()) && length != facet(r.GetLength()));
+  return (set(r.minLength) && length < facet(r.minLength)) ||
+         (set(r.maxLength) && length > facet(r.maxLength)) ||
+         (set(r.length) && length != facet(r.length));
 }
 
 void CheckBinary(const char* name, const CBinaryData& value, const CPrimitiveRestrictions& r) {
@@ -232,7 +231,7 @@ void CXmlObjectHelper::CheckRestrictionForboolean(const char*, bool, const CPrim
 void CXmlObjectHelper::CheckRestrictionForstring(const char* name, std::string value,
                                                  const CPrimitiveRestrictions& r) {
   if (BreaksLength(value.size(), r)) FailText(name, value);
-  if (!r.GetPattern().empty() && !TestRegEx(LocalTextAsUtf8(r.GetPattern()), value)) FailText(name, value);
+  if (!r.pattern.empty() && !TestRegEx(LocalTextAsUtf8(r.pattern), value)) FailText(name, value);
 }
 
 void CXmlObjectHelper::CheckRestrictionForbase64Binary(const char* name, const CBinaryData& value,

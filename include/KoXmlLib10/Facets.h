@@ -7,9 +7,10 @@
 
 namespace KoXmlLib10 {
 
-// The XSD facets of a simple-typed member. Bounds are kept as the lexical
-// text of the member's type and converted whenever a value is checked; a
-// negative length facet and an empty text mean "not set".
+// The XSD facets of a simple-typed member, filled in directly by generated
+// code. Bounds are kept as the lexical text of the member's type and
+// converted whenever a value is checked; a negative length facet and an
+// empty text mean "not set", which is what a default-constructed value holds.
 class KOXML_API CPrimitiveRestrictions {
  public:
   CPrimitiveRestrictions();
@@ -21,32 +22,14 @@ class KOXML_API CPrimitiveRestrictions {
   CPrimitiveRestrictions& operator=(const CPrimitiveRestrictions& other) = default;
   virtual ~CPrimitiveRestrictions();
 
-  const std::string& GetPattern() const { return m_pattern; }
-  void SetPattern(const std::string& pattern) { m_pattern = pattern; }
-  int GetMinLength() const { return m_minLength; }
-  void SetMinLength(int minLength) { m_minLength = minLength; }
-  int GetMaxLength() const { return m_maxLength; }
-  void SetMaxLength(int maxLength) { m_maxLength = maxLength; }
-  const std::string& GetMinInclusive() const { return m_minInclusive; }
-  void SetMinInclusive(const std::string& bound) { m_minInclusive = bound; }
-  const std::string& GetMaxInclusive() const { return m_maxInclusive; }
-  void SetMaxInclusive(const std::string& bound) { m_maxInclusive = bound; }
-  const std::string& GetMinExclusive() const { return m_minExclusive; }
-  void SetMinExclusive(const std::string& bound) { m_minExclusive = bound; }
-  const std::string& GetMaxExclusive() const { return m_maxExclusive; }
-  void SetMaxExclusive(const std::string& bound) { m_maxExclusive = bound; }
-  int GetLength() const { return m_length; }
-  void SetLength(int length) { m_length = length; }
-
- private:
-  std::string m_pattern;
-  int m_minLength;
-  int m_maxLength;
-  std::string m_minInclusive;
-  std::string m_maxInclusive;
-  std::string m_minExclusive;
-  std::string m_maxExclusive;
-  int m_length;
+  std::string pattern;
+  int minLength = -1;
+  int maxLength = -1;
+  std::string minInclusive;
+  std::string maxInclusive;
+  std::string minExclusive;
+  std::string maxExclusive;
+  int length = -1;
 };
 
 // True when the whole of value matches the xs:pattern regular expression

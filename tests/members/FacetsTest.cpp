@@ -214,3 +214,21 @@ TEST(RegEx, BadPatternsAndTheCache) {
   for (auto& thread : threads) thread.join();
   EXPECT_EQ(failures, std::vector<int>(4, 0));
 }
+
+TEST(PrimitiveRestrictions, DefaultIsNothingSetAndFieldsAreFilledDirectly) {
+  CPrimitiveRestrictions r;
+  EXPECT_TRUE(r.pattern.empty());
+  EXPECT_EQ(r.minLength, -1);
+  EXPECT_EQ(r.maxLength, -1);
+  EXPECT_EQ(r.length, -1);
+  EXPECT_TRUE(r.minInclusive.empty() && r.maxInclusive.empty() && r.minExclusive.empty() &&
+              r.maxExclusive.empty());
+  EXPECT_NO_THROW(CXmlObjectHelper::CheckRestrictionForstring("s", "anything", r));
+  // Generated code fills the fields as it finds them in the schema.
+  r.maxInclusive = "10";
+  r.pattern = "[0-9]+";
+  EXPECT_NO_THROW(CXmlObjectHelper::CheckRestrictionFori4("n", 10, r));
+  EXPECT_THROW(CXmlObjectHelper::CheckRestrictionFori4("n", 11, r), CKoException);
+  r.maxLength = 2;
+  EXPECT_THROW(CXmlObjectHelper::CheckRestrictionForstring("s", "123", r), CKoException);
+}
