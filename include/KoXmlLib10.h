@@ -27,9 +27,18 @@
 #include "KoXmlLib10/XmlDocument.h"
 #include "KoXmlLib10/XmlObjectBase.h"
 #include "KoXmlLib10/XmlCollectionBase.h"
+#include "KoXmlLib10/XmlCollection.h"
 #include "KoXmlLib10/SmartPtr.h"
 #include "KoXmlLib10/Variant.h"
 #include "KoXmlLib10/Facets.h"
 #include "KoXmlLib10/XmlObjectHelper.h"
+#include "KoXmlLib10/MetaData.h"
+#include "KoXmlLib10/XmlGeneratedClass.h"
+#include "KoXmlLib10/ElementInfoSeq.h"
+#include "KoXmlLib10/ElementInfoChoice.h"
+#include "KoXmlLib10/ElementInfoAll.h"
+#include "KoXmlLib10/AttributeInfo.h"
+#include "KoXmlLib10/ClassFactory.h"
+#include "KoXmlLib10/Untyped.h"
 
 #endif

@@ -15,11 +15,26 @@
 
 namespace KoXmlLib10 {
 
+class CXmlSerializationContext;
+class CXmlElement;
+
 // Static helpers of the binding engine. The facet checks throw CKoException
 // "Invalid Value for <name> [<value>]" for the first facet the value breaks;
 // `name` is the member's element or attribute name.
 class KOXML_API CXmlObjectHelper {
  public:
+  // True when namespaceUri passes the wildcard restriction: a space-separated
+  // list of URIs and the keywords ##any, ##other, ##local, ##targetNamespace.
+  static bool IsNamespaceValid(const std::string& namespaceUri, const std::string& restriction,
+                               const std::string& targetNamespace);
+  // Throws CKoInvalidNamespaceException when IsNamespaceValid is false.
+  static void TestNamespace(const std::string& namespaceUri, const std::string& restriction,
+                            const std::string& targetNamespace);
+  // Local name, and the namespace unless the context ignores namespaces
+  // (always when documents are parsed without them).
+  static bool DoesElementNameMatch(const CXmlSerializationContext& ctx, const CXmlElement* element,
+                                   const std::string& localName, const std::string& namespaceUri);
+
   // Takes the value out of the variant as `type` and checks it; a type
   // without facets (char, none) throws CKoInvalidValueException.
   static void CheckRestriction(const char* name, const KoVariant& value, ItemType type,
