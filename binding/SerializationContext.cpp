@@ -1,5 +1,7 @@
 #include "KoXmlLib10/SerializationContext.h"
 
+#include "KoXmlLib10/Untyped.h"
+
 #include "KoXmlLib10/Exceptions.h"
 
 namespace KoXmlLib10 {

@@ -8,8 +8,11 @@
 
 #include "KoXmlLib10/Export.h"
 #include "KoXmlLib10/FastInfosetContext.h"
+#include "KoXmlLib10/SmartPtr.h"
 
 namespace KoXmlLib10 {
+
+class CAttributeCol;
 
 // Which schema-language rules apply; only SchemaTypeNoNamespaces changes
 // behaviour (no namespace processing, names matched on the local name alone).
@@ -59,6 +62,12 @@ class KOXML_API CXmlSerializationContext {
   const CNamespaceAliasMap& GetNamespaceAliases() const { return m_namespaceAliases; }
   std::vector<std::string>& GetProcessingInstructions() { return m_processingInstructions; }
   const std::vector<std::string>& GetProcessingInstructions() const { return m_processingInstructions; }
+  // Attributes written on the root element of every document written with
+  // this context. Created empty (any namespace) on the first call; copies of
+  // the context share it. Not synchronised: call it once before sharing a
+  // context between threads.
+  CSmartPtr<CAttributeCol> GetAdditionalRootAttributes() const;
+
   std::string GetInLineSchema() const { return m_inLineSchema; }
   void SetInLineSchema(const char* schema) { m_inLineSchema = schema ? schema : ""; }
 
@@ -89,6 +98,7 @@ class KOXML_API CXmlSerializationContext {
   bool m_writeTypeAttribute = true;
   CNamespaceAliasMap m_namespaceAliases;
   std::vector<std::string> m_processingInstructions;
+  mutable CSmartPtr<CAttributeCol> m_additionalRootAttributes;
   std::string m_inLineSchema;
   bool m_ignoreInvalidCollectionCounts = false;
   bool m_ignoreMissingChoice = false;
