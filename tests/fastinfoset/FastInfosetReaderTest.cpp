@@ -396,8 +396,7 @@ void ExpectTypePrefixes(const CXmlDocument& doc) {
     std::string uri = "untouched";
     const bool bound = child->GetTypePrefixNamespace(uri);
     EXPECT_EQ(bound, !expected.expected.empty()) << child->GetLocalName() << " " << expected.type;
-    if (bound) EXPECT_EQ(uri, expected.expected) << child->GetLocalName();
-    if (!bound) EXPECT_EQ(uri, "untouched") << child->GetLocalName();
+    EXPECT_EQ(uri, bound ? expected.expected : std::string("untouched")) << child->GetLocalName();
     child = child->GetNextSiblingElement();
   }
   EXPECT_EQ(child, nullptr);
