@@ -1,6 +1,7 @@
 #include "KoXmlLib10/Untyped.h"
 
 #include <memory>
+#include <vector>
 
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/Streams.h"
@@ -85,6 +86,13 @@ bool IsDefaultNamespaceDeclaration(const CAttribute& attribute) {
   while (!markup.empty() && (markup.back() == '\n' || markup.back() == '\r')) markup.pop_back();
   outer->CloseParentElm();
   outer->WriteRawElement(markup);
+}
+
+// True when the caller's reference is the only one to `object`.
+bool IsLastReference(CXmlObjectBase* object) {
+  const int count = object->AddRef();
+  object->Release();
+  return count == 2;
 }
 
 }  // namespace
@@ -214,7 +222,31 @@ CElement::CElement(CXmlObjectBase* object, const char* defaultNamespace) {
   CopyXmlElement(document.GetDocumentElement());
 }
 
-CElement::~CElement() = default;
+// Releasing a deep tree would recurse once per level. The children that go
+// with this element are taken out of their collections first and released
+// one at a time, each emptied the same way before it goes; shared ones (held
+// elsewhere too) are left whole.
+CElement::~CElement() {
+  std::vector<CSmartPtr<CElement>> pending;
+  auto takeChildren = [&pending](CElement& element) {
+    CElementCol* children = element.m_elements.get();
+    if (!children || !IsLastReference(children)) return;
+    for (CElement* child : *children)
+      if (child) pending.push_back(child);
+    try {
+      children->Clear();
+    } catch (...) {
+      // A listener's failure cannot leave a destructor; the collection's
+      // own destructor releases what is left.
+    }
+  };
+  takeChildren(*this);
+  while (!pending.empty()) {
+    CSmartPtr<CElement> next = pending.back();
+    pending.pop_back();
+    if (IsLastReference(next.get())) takeChildren(*next);
+  }
+}
 
 CXmlObjectBase* CElement::GetBase() { return this; }
 std::string CElement::GetNamespace() const { return m_namespace; }

@@ -349,4 +349,17 @@ TEST_F(Untyped, DeepestDocument) {
   EXPECT_EQ(levels, depth);
 }
 
+TEST(UntypedElement, ASharedSubtreeOutlivesItsParentWhole) {
+  CSmartPtr<CElement> parent = new CElement("p");
+  CSmartPtr<CElement> kept = parent->GetElements()->Add("k", "");
+  kept->GetElements()->Add("g", "")->GetElements()->Add("h", "");
+  CSmartPtr<CElementCol> keptCollection = parent->GetElements()->Add("c", "")->GetElements();
+  keptCollection->Add("d", "");
+  parent = nullptr;
+  ASSERT_EQ(kept->GetElements()->GetCount(), 1);
+  EXPECT_EQ(kept->GetElements()->Item(0)->GetElements()->Item(0)->GetName(), "h");
+  ASSERT_EQ(keptCollection->GetCount(), 1);  // a collection held elsewhere keeps its items
+  EXPECT_EQ(keptCollection->Item(0)->GetName(), "d");
+}
+
 }  // namespace
