@@ -9,6 +9,7 @@
 #include "KoXmlLib10/XmlGeneratedClass.h"
 #include "KoXmlLib10/XmlObjectHelper.h"
 #include "KoXmlLib10/XmlWriter.h"
+#include "binding/VariantItemType.h"
 #include "members/MembersMessages.h"
 #include "members/RecordCore.h"
 
@@ -48,7 +49,7 @@ bool CElementInfo::ElementToXmlPrim(const CXmlSerializationContext&, const CXmlG
     return true;
   }
   CheckRestriction(value);
-  WriteTextElement(*this, writer, value.ToString(numberFormat.c_str()), core::ItemTypeOf(value));
+  WriteTextElement(*this, writer, value.ToString(numberFormat.c_str()), KoXmlLib10::ItemTypeOf(value));
   return true;
 }
 

@@ -13,6 +13,7 @@
 #include "KoXmlLib10/XmlGeneratedClass.h"
 #include "KoXmlLib10/XmlObjectHelper.h"
 #include "KoXmlLib10/XmlWriter.h"
+#include "binding/VariantItemType.h"
 #include "members/MembersMessages.h"
 
 namespace KoXmlLib10Data::core {
@@ -442,27 +443,6 @@ bool ValidateAllCollection(const CElementInfo& record, const CXmlSerializationCo
   return AsCollection(record, held.get())->IsValidCount(ctx);
 }
 
-// ---- variants ------------------------------------------------------------------------
-
-ItemType ItemTypeOf(const KoVariant& value) {
-  // The variant names its kind only by token; the tokens follow the ItemType order.
-  static const char* const kTokens[] = {
-      "hexBinary", "base64Binary", "i1",   "i2",  "i4",   "i8",       "ui1",    "ui2",     "ui4",
-      "ui8",       "r4",           "r8",   "duration", "yearMonth", "monthDay", "year", "month",
-      "day",       "date",         "datetime", "time", "char", "string", "boolean", "decimal", "integer"};
-  static_assert(sizeof(kTokens) / sizeof(kTokens[0]) == KoXmlLib10::ItemType_integer);
-  if (value.IsNil() || !value.IsValid()) return KoXmlLib10::ItemType_none;
-  std::string token;
-  try {
-    token = value.GetType();
-  } catch (const CKoException&) {
-    return KoXmlLib10::ItemType_none;  // an object or a collection
-  }
-  for (int i = 0; i < KoXmlLib10::ItemType_integer; ++i)
-    if (token == kTokens[i]) return static_cast<ItemType>(i + 1);
-  return KoXmlLib10::ItemType_none;
-}
-
 // ---- attributes ----------------------------------------------------------------------
 
 namespace {
@@ -477,7 +457,7 @@ std::string Text(const KoVariant& value, const EnumAttributeCodec& codec) {
     throw CKoInvalidValueException(FormatString(msg::kNoEnumerationText, codec.record.attributeName.c_str(), number));
   return text;
 }
-ItemType TypeOf(const KoVariant& value, const PrimAttributeCodec&) { return ItemTypeOf(value); }
+ItemType TypeOf(const KoVariant& value, const PrimAttributeCodec&) { return KoXmlLib10::ItemTypeOf(value); }
 ItemType TypeOf(const KoVariant&, const EnumAttributeCodec&) { return KoXmlLib10::ItemType_string; }
 void Check(const KoVariant& value, const PrimAttributeCodec& codec) { codec.record.CheckRestriction(value); }
 void Check(const KoVariant&, const EnumAttributeCodec&) {}  // enumerations have no facets

@@ -105,9 +105,6 @@ bool ValidateAllCollection(const CElementInfo& record, const CXmlSerializationCo
 // Derivable-type members of an all group cannot be read: `message` names the record.
 bool ReadAllAbsCls(const CElementInfo& record, const ReadArgs& args, const char* message);
 
-// The item type a variant holds (none for no value, objects and collections).
-ItemType ItemTypeOf(const KoVariant& value);
-
 // Attribute records. The codecs say how a value attribute turns into text
 // and back; the rules around them (unset optional values, defaults left out,
 // required attributes) are the same for both.
