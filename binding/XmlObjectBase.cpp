@@ -87,9 +87,12 @@ class CReplacementFile {
 
 void WriteBytesToFile(const char* fileName, XmlEncoding encoding, CBinaryData& bytes) {
   CReplacementFile file(fileName);
-  {
+  try {
     CFileBinaryStream stream(file.TemporaryName(), encoding, bytes);
     stream.ToFile();
+  } catch (const CKoException&) {
+    // The stream names the file it wrote; the caller knows only the target.
+    throw CKoException(FormatString(msg::kFileReplaceFailed, fileName ? fileName : ""));
   }
   file.Commit();
 }
@@ -180,7 +183,11 @@ void CXmlObjectBase::ToXmlFile(const char* fileName, bool includeDocHeader, bool
     {
       CFileTextStream stream(file.TemporaryName(), encoding);
       CXmlTextWriter writer(stream);
-      writer.Open();
+      try {
+        writer.Open();
+      } catch (const CKoException&) {
+        throw CKoException(FormatString(msg::kFileReplaceFailed, fileName ? fileName : ""));
+      }
       writer.SetFormat(formatted);
       writer.SetEOLType(eol);
       if (includeDocHeader) writer.WriteStartDocument();

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <mutex>
 
+
 #include "KoXmlLib10/Version.h"
 #include "support/TestRecords.h"
 
@@ -13,35 +14,6 @@ namespace {
 // Generated code hands the library its generator version before it creates
 // any object.
 const bool g_versionAnnounced = (SetGeneratorVersion(10, 1), true);
-
-// Holds the class-creation lock for a scope.
-class CInitLock {
- public:
-  CInitLock() { CXmlGeneratedClass::m_csInit.Enter(); }
-  ~CInitLock() { CXmlGeneratedClass::m_csInit.Leave(); }
-  CInitLock(const CInitLock&) = delete;
-  CInitLock& operator=(const CInitLock&) = delete;
-};
-
-void RegisterCleanup() {
-  static std::once_flag once;
-  std::call_once(once, [] { std::atexit(CleanAllMetaData); });
-}
-
-// Creates a class's records on its first use: the flag is read without the
-// lock, and set under it only once the records are complete.
-template <class Build>
-ClassMetaData& Ensure(ClassMetaData& meta, Build build) {
-  if (meta.ready.load(std::memory_order_acquire)) return meta;
-  CInitLock hold;
-  if (!meta.ready.load(std::memory_order_relaxed)) {
-    build(meta);
-    meta.builds.fetch_add(1);
-    RegisterCleanup();
-    meta.ready.store(true, std::memory_order_release);
-  }
-  return meta;
-}
 
 template <class T>
 void Get(const std::optional<T>& property, KoVariant& value);
@@ -82,21 +54,6 @@ void SetObject(CSmartPtr<T>& property, const KoVariant& value) {
   if (object) object->Release();
 }
 
-CElementInfo** Elements(std::initializer_list<CElementInfo*> records) {
-  auto** array = new CElementInfo*[records.size() + 1];
-  size_t i = 0;
-  for (CElementInfo* record : records) array[i++] = record;
-  array[i] = nullptr;
-  return array;
-}
-CAttributeInfo** Attributes(std::initializer_list<CAttributeInfo*> records) {
-  auto** array = new CAttributeInfo*[records.size() + 1];
-  size_t i = 0;
-  for (CAttributeInfo* record : records) array[i++] = record;
-  array[i] = nullptr;
-  return array;
-}
-
 CParentElementInfo* Sequence(const char* typeName, bool rejectUnknownAttributes, bool writeTypeAttribute,
                              XmlElementType elementType = XmlElementTypeElement) {
   return new CParentElementInfo(XmlElementGroupTypeSequence, elementType, typeName, kNs, rejectUnknownAttributes,
@@ -113,6 +70,11 @@ ClassMetaData CTeam::s_meta;
 ClassMetaData CBag::s_meta;
 ClassMetaData CPrice::s_meta;
 ClassMetaData CCode::s_meta;
+
+void RegisterCleanupAtExit() {
+  static std::once_flag once;
+  std::call_once(once, [] { std::atexit(CleanAllMetaData); });
+}
 
 void CleanAllMetaData() {
   CInitLock hold;

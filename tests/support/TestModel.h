@@ -22,6 +22,7 @@
 // Every element is in kNs; attributes are unqualified.
 
 #include <atomic>
+#include <initializer_list>
 #include <optional>
 #include <string>
 
@@ -47,6 +48,48 @@ struct ClassMetaData {
 // Frees the records of every class (also registered to run at exit); the
 // next use of a class creates them again.
 void CleanAllMetaData();
+
+// Holds the class-creation lock for a scope.
+class CInitLock {
+ public:
+  CInitLock() { CXmlGeneratedClass::m_csInit.Enter(); }
+  ~CInitLock() { CXmlGeneratedClass::m_csInit.Leave(); }
+  CInitLock(const CInitLock&) = delete;
+  CInitLock& operator=(const CInitLock&) = delete;
+};
+
+// Creates a class's records on its first use: the flag is read without the
+// lock, and set under it only once the records are complete. The first
+// creation registers CleanAllMetaData to run at exit.
+void RegisterCleanupAtExit();
+template <class Build>
+ClassMetaData& Ensure(ClassMetaData& meta, Build build) {
+  if (meta.ready.load(std::memory_order_acquire)) return meta;
+  CInitLock hold;
+  if (!meta.ready.load(std::memory_order_relaxed)) {
+    build(meta);
+    meta.builds.fetch_add(1);
+    RegisterCleanupAtExit();
+    meta.ready.store(true, std::memory_order_release);
+  }
+  return meta;
+}
+
+// Null-terminated record arrays, as generated code lays them out.
+inline CElementInfo** Elements(std::initializer_list<CElementInfo*> records) {
+  auto** array = new CElementInfo*[records.size() + 1];
+  size_t i = 0;
+  for (CElementInfo* record : records) array[i++] = record;
+  array[i] = nullptr;
+  return array;
+}
+inline CAttributeInfo** Attributes(std::initializer_list<CAttributeInfo*> records) {
+  auto** array = new CAttributeInfo*[records.size() + 1];
+  size_t i = 0;
+  for (CAttributeInfo* record : records) array[i++] = record;
+  array[i] = nullptr;
+  return array;
+}
 
 class CAddress;
 class CPerson;
