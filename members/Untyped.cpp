@@ -302,8 +302,11 @@ void CElement::ToXml_Int(CXmlWriter* writer, bool, const char* elementNamespace,
   separate.SetDefaultNamespace(m_defaultNamespace);
   writeSubtree(separate);
   separate.Close();
+  // The outer writer ends the inserted markup with its own line end.
+  std::string markup(stream.GetText(), stream.GetLength());
+  while (!markup.empty() && (markup.back() == '\n' || markup.back() == '\r')) markup.pop_back();
   outer->CloseParentElm();
-  outer->WriteRawElement(std::string(stream.GetText(), stream.GetLength()));
+  outer->WriteRawElement(markup);
 }
 
 CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* element, const CXmlSerializationContext& ctx,
