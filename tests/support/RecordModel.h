@@ -19,13 +19,14 @@
 //             AbsClsMnd SeqRoot            AbsClsOpt SeqRoot           UntpdMnd SeqMisc
 //             UntpdOpt SeqRoot             Col SeqRoot                 PrimCol SeqRoot
 //             EnumCol SeqRoot              ClsCol SeqRoot              AbsClsCol SeqRoot
-//             UntpdCol SeqRoot/SeqMisc     NonCol (RecordsTest: abstract, derived there)
+//             UntpdCol SeqMisc             NonCol (RecordsTest: abstract, derived there)
 //   choice    PrimOpt EnumOpt ClsOpt AbsClsOpt UntpdOpt Col PrimCol EnumCol ClsCol AbsClsCol
-//             UntpdCol: ChoiceRoot; PrimCol ClsCol: ChoiceStrict; ClsOpt (pseudo): ChoicePseudo
+//             UntpdCol: ChoiceRoot; PrimCol ClsCol: ChoiceStrict;
+//             ClsOpt ClsCol (pseudo content): ChoicePseudo
 //   all       PrimMnd PrimOpt EnumMnd EnumOpt ClsMnd ClsOpt UntpdMnd UntpdOpt EnumCol Col
-//             PrimCol ClsCol AbsClsCol UntpdCol: AllRoot; AbsClsMnd AbsClsOpt: AllAbs;
+//             PrimCol ClsCol AbsClsCol: AllRoot; AbsClsMnd AbsClsOpt: AllAbs; UntpdCol: AllOpen;
 //             NonCol (RecordsTest)
-//   attribute Primitive Enum: Leaf/SeqRoot   Any: SeqRoot
+//   attribute Primitive Enum: Leaf/SeqRoot/Pseudo/PseudoQ   Any: SeqRoot
 
 #include <cstdlib>
 #include <map>
@@ -43,7 +44,7 @@ using namespace KoXmlLib10Data;
 inline constexpr char kNs[] = "urn:t";
 
 enum ClassId { Leaf, Pseudo, Base, Derived, SeqRoot, SeqMisc, ChoiceRoot, ChoiceStrict, ChoicePseudo, AllRoot,
-               AllAbs, ClassCount };
+               AllAbs, PseudoQ, AllOpen, ClassCount };
 
 // What Init puts into a property.
 struct Slot {
@@ -229,14 +230,16 @@ inline CSmartPtr<CXmlObjectBase> MakeByCode(int code, const char* elementName) {
   return New(static_cast<ClassId>(code), elementName);
 }
 
-// Element factory of the derivable member "shape": no xsi:type or BaseType
-// gives Base, DerivedType gives Derived, anything else no class.
+// Element factory of the derivable member "shape", as a generator writes one:
+// no xsi:type or BaseType gives Base, DerivedType gives Derived (both in the
+// model's namespace), anything else no class.
 inline CSmartPtr<CXmlObjectBase> MakeShape(CXmlElement* element) {
-  // The local part of xsi:type (the class factory base is not part of this build yet).
-  std::string type = element->GetAttribute("type", "http://www.w3.org/2001/XMLSchema-instance");
-  if (type.find(':') != std::string::npos) type = type.substr(type.find(':') + 1);
+  const std::string type = CClassfactoryBase::GetElementType(element);
+  const std::string typeNs = CClassfactoryBase::GetElementTypeNamespaceUri(element);
   const char* name = element->GetLocalName().c_str();
-  if (type.empty() || type == "BaseType") return New(Base, name);
+  if (type.empty()) return New(Base, name);
+  if (typeNs != kNs) return CSmartPtr<CXmlObjectBase>();
+  if (type == "BaseType") return New(Base, name);
   if (type == "DerivedType") return New(Derived, name);
   return CSmartPtr<CXmlObjectBase>();
 }
@@ -267,14 +270,20 @@ inline CParentElementInfo* Info(XmlElementGroupType g, XmlElementType t, const c
   return new CParentElementInfo(g, t, typeName, kNs, rejectUnknownAttributes, writeType, -1, ItemType_none, nullptr,
                                 false);
 }
-inline Slot Obj(ClassId c, const char* name) { return Slot{Slot::Object, c, name}; }
 inline Slot Col(Slot::Kind k, const char* name, int mn = 0, int mx = -1, ClassId c = Leaf,
                 ElementFactoryFunction f = nullptr) {
-  Slot s{k, c, name, mn, mx, f};
+  Slot s;
+  s.kind = k;
+  s.itemClass = c;
+  s.name = name;
+  s.minOccurs = mn;
+  s.maxOccurs = mx;
+  s.factory = f;
   return s;
 }
+inline Slot Obj(ClassId c, const char* name) { return Col(Slot::Object, name, 0, -1, c); }
 inline Slot Untyped(Slot::Kind k, const char* name, const char* restriction, const char* target = kNs) {
-  Slot s{k, Leaf, name};
+  Slot s = Col(k, name);
   s.restriction = restriction;
   s.target = target;
   return s;
@@ -291,16 +300,18 @@ constexpr auto ALL = XmlElementGroupTypeAll;
 // Property ids of the classes the tests name.
 namespace leafp { enum { code, colour, text }; }
 namespace pseudop { enum { pa, p1, p2 }; }
+namespace pseudoq { enum { qa, q1 }; }
 namespace shapep { enum { b, d }; }
 namespace seqroot {
 enum { id, ratio, kind, anyAttr, name, note, size, shade, leaf, extra, pseudo, shape, shape2, blob, tag, level, item,
-       figure, raw, any };
+       figure, raw };
 }
-namespace seqmisc { enum { any, named, pseudoReq, pseudoOpt, notes }; }
+namespace seqmisc { enum { any, named, pseudoReq, pseudoOpt, notes, rest }; }
 namespace choiceroot { enum { c1, c2, c3, c4, c5, c6, c7, c8, c9, c10, c11 }; }
 namespace choicestrict { enum { s1, s2 }; }
 namespace choicepseudo { enum { alt, other }; }
-namespace allroot { enum { a1, a2, a3, a4, a5, a6, a8, a9, a10, a11, a12, a13, a14, a15, a16 }; }
+namespace allroot { enum { a1, a2, a3, a4, a5, a6, a8, a9, a10, a11, a12, a13, a14, p }; }
+namespace allopen { enum { k, rest }; }
 namespace allabs { enum { m, o }; }
 
 inline Schema Build(ClassId id) {
@@ -324,6 +335,14 @@ inline Schema Build(ClassId id) {
           new CElementInfoSeqPrimMnd("p1", kNs, pseudop::p1, false, ItemType_i4, nullptr, C, NoFacets()),
           new CElementInfoSeqEnumOpt("p2", kNs, pseudop::p2, false, SizeToText, TextToSize));
       s.slots = {Slot{}, Slot{}, Slot{}};
+      break;
+    case PseudoQ:
+      s.info = Info(SEQ, P, "PseudoQ", false);
+      s.attributes = Attributes(
+          new CAttributeInfoPrimitive("qa", "", pseudoq::qa, true, ItemType_string, nullptr, S, NoFacets(), nullptr));
+      s.elements = Elements(
+          new CElementInfoSeqPrimMnd("q1", kNs, pseudoq::q1, false, ItemType_i4, nullptr, C, NoFacets()));
+      s.slots = {Slot{}, Slot{}};
       break;
     case Base:
     case Derived:
@@ -362,13 +381,11 @@ inline Schema Build(ClassId id) {
           new CElementInfoSeqEnumCol("level", kNs, seqroot::level),
           new CElementInfoSeqClsCol("item", kNs, seqroot::item, E),
           new CElementInfoSeqAbsClsCol("figure", kNs, seqroot::figure, E),
-          new CElementInfoSeqCol("raw", kNs, seqroot::raw),
-          new CElementInfoSeqUntpdCol("AnyElement", kNs, seqroot::any));
+          new CElementInfoSeqCol("raw", kNs, seqroot::raw));
       s.slots = {Slot{}, Slot{}, Slot{}, Untyped(Slot::AttributeCol, "", "##other"), Slot{}, Slot{}, Slot{}, Slot{},
                  Obj(Leaf, "leaf"), Slot{}, Obj(Pseudo, ""), Slot{}, Slot{}, Slot{},
                  Col(Slot::StringCol, "tag", 0, 3), Col(Slot::StringCol, "level"), Col(Slot::ObjectCol, "item"),
-                 Col(Slot::ObjectCol, "figure", 0, -1, Base, MakeShape), Col(Slot::IntCol, "raw", 0, 2),
-                 Untyped(Slot::ElementCol, "", "##other")};
+                 Col(Slot::ObjectCol, "figure", 0, -1, Base, MakeShape), Col(Slot::IntCol, "raw", 0, 2)};
       break;
     case SeqMisc:
       s.info = Info(SEQ, E, "SeqMisc");
@@ -377,9 +394,12 @@ inline Schema Build(ClassId id) {
                             new CElementInfoSeqUntpdMnd("named", kNs, seqmisc::named, "##any", kNs),
                             new CElementInfoSeqClsMnd("req", kNs, seqmisc::pseudoReq, P, MakeByCode, Pseudo, true),
                             new CElementInfoSeqClsOpt("opt", kNs, seqmisc::pseudoOpt, P, MakeByCode, Pseudo),
-                            new CElementInfoSeqUntpdCol("note", kNs, seqmisc::notes));
+                            new CElementInfoSeqUntpdCol("note", kNs, seqmisc::notes),
+                            new CElementInfoSeqUntpdCol("AnyElement", kNs, seqmisc::rest));
+      // The restriction of the last collection does not filter what it reads.
       s.slots = {Untyped(Slot::Element, "AnyElement", "##other"), Untyped(Slot::Element, "named", "##any"),
-                 Obj(Pseudo, ""), Slot{}, Untyped(Slot::ElementCol, "", "##any")};
+                 Obj(Pseudo, ""), Slot{}, Untyped(Slot::ElementCol, "", "##any"),
+                 Untyped(Slot::ElementCol, "", "##other")};
       break;
     case ChoiceRoot:
       s.info = Info(CHO, E, "ChoiceRoot");
@@ -413,7 +433,7 @@ inline Schema Build(ClassId id) {
       s.attributes = Attributes();
       s.elements = Elements(new CElementInfoChoiceClsOpt("alt", kNs, choicepseudo::alt, P, MakeByCode, Pseudo),
                             new CElementInfoChoiceClsCol("other", kNs, choicepseudo::other, P));
-      s.slots = {Slot{}, Col(Slot::ObjectCol, "other", 0, -1, Pseudo)};
+      s.slots = {Slot{}, Col(Slot::ObjectCol, "other", 0, -1, PseudoQ)};
       break;
     case AllRoot:
       s.info = Info(ALL, E, "AllRoot");
@@ -431,13 +451,11 @@ inline Schema Build(ClassId id) {
           new CElementInfoAllPrimCol("a12", kNs, allroot::a12),
           new CElementInfoAllClsCol("a13", kNs, allroot::a13, E),
           new CElementInfoAllAbsClsCol("a14", kNs, allroot::a14, E),
-          new CElementInfoAllUntpdCol("a15", kNs, allroot::a15),
-          new CElementInfoAllClsMnd("p", kNs, allroot::a16, P, MakeByCode, Pseudo, false));
+          new CElementInfoAllClsMnd("p", kNs, allroot::p, P, MakeByCode, Pseudo, false));
       s.slots = {Slot{}, Slot{}, Slot{}, Slot{}, Obj(Leaf, "a5"), Slot{},
                  Untyped(Slot::Element, "a8", "##any"), Slot{}, Col(Slot::StringCol, "a10"),
                  Col(Slot::IntCol, "a11"), Col(Slot::StringCol, "a12", 0, 2), Col(Slot::ObjectCol, "a13"),
-                 Col(Slot::ObjectCol, "a14", 0, -1, Base, MakeShape), Untyped(Slot::ElementCol, "", "urn:x"),
-                 Obj(Pseudo, "")};
+                 Col(Slot::ObjectCol, "a14", 0, -1, Base, MakeShape), Obj(Pseudo, "")};
       break;
     case AllAbs:
       s.info = Info(ALL, E, "AllAbs");
@@ -445,6 +463,16 @@ inline Schema Build(ClassId id) {
       s.elements = Elements(new CElementInfoAllAbsClsMnd("m", kNs, allabs::m, E, MakeShape, 0),
                             new CElementInfoAllAbsClsOpt("o", kNs, allabs::o, E, MakeShape));
       s.slots = {Slot{}, Slot{}};
+      break;
+    case AllOpen:
+      // An untyped collection takes every element left at the cursor when
+      // its turn comes, of any name and namespace: alone with one member.
+      s.info = Info(ALL, E, "AllOpen");
+      s.attributes = Attributes();
+      s.elements = Elements(new CElementInfoAllPrimMnd("k", kNs, allopen::k, false, ItemType_i4, nullptr, C,
+                                                       NoFacets()),
+                            new CElementInfoAllUntpdCol("rest", kNs, allopen::rest));
+      s.slots = {Slot{}, Untyped(Slot::ElementCol, "", "urn:x")};
       break;
     case ClassCount: break;
   }
