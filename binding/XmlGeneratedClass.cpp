@@ -79,6 +79,13 @@ bool IsCollectionChoiceRecord(const CElementInfo* record) {
          dynamic_cast<const CElementInfoChoiceUntpdCol*>(record);
 }
 
+// A document parsed without namespace processing keeps its namespace
+// declarations as ordinary attributes; they are still declarations.
+bool IsUnprocessedNamespaceDeclaration(const CXmlAttribute& attribute) {
+  const std::string& name = attribute.GetLocalName();
+  return attribute.GetNamespaceURI().empty() && (name == "xmlns" || name.compare(0, 6, "xmlns:") == 0);
+}
+
 bool EqualsIgnoringCase(const std::string& text, const char* expected) {
   return strcasecmp(text.c_str(), expected) == 0;
 }
@@ -284,7 +291,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CXmlSerializationContext
   for (CXmlAttribute* attribute : element->GetAttributes()) {
     // Namespace declarations and the schema-instance type and location
     // attributes belong to the document, not to the data.
-    if (attribute->IsNamespaceAttribute()) continue;
+    if (attribute->IsNamespaceAttribute() || IsUnprocessedNamespaceDeclaration(*attribute)) continue;
 
     if (attribute->IsNilAttribute()) {
       INillable* nillable = dynamic_cast<INillable*>(this);
