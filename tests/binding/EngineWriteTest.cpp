@@ -187,15 +187,14 @@ TEST(EngineWrite, EmptyChoice) {
 
 // A class whose records are made for one test: a group type and records of
 // the test's choosing.
-class CCustom : public CXmlGeneratedClass, public INillable {
+class CCustom : public CXmlGeneratedClass {
  public:
   CCustom(XmlElementGroupType group, std::initializer_list<CElementInfo*> elements,
-          std::initializer_list<CAttributeInfo*> attributes, bool nillable = false)
+          std::initializer_list<CAttributeInfo*> attributes)
       : m_info(new CParentElementInfo(group, XmlElementTypeElement, "custom", kNs, true, false, -1, ItemType_none,
                                       nullptr, false)),
         m_elements(Elements(elements)),
-        m_attributes(Attributes(attributes)),
-        m_nillable(nillable) {
+        m_attributes(Attributes(attributes)) {
     SetElementName("custom");
   }
   ~CCustom() override { CleanMetaData(m_info, m_elements, m_attributes); }
@@ -210,8 +209,6 @@ class CCustom : public CXmlGeneratedClass, public INillable {
   CElementInfo** GetClassElementInfo() override { return m_elements; }
   CAttributeInfo** GetClassAttributeInfo() override { return m_attributes; }
   void Init() override { m_value.SetInvalid(); }
-  bool IsNil() override { return false; }
-  void SetNil(bool) override {}
 
   KoVariant m_value;
 
@@ -219,7 +216,6 @@ class CCustom : public CXmlGeneratedClass, public INillable {
   CParentElementInfo* m_info;
   CElementInfo** m_elements;
   CAttributeInfo** m_attributes;
-  bool m_nillable;
 };
 
 class CThrowingAttribute : public CAttributeInfo {
