@@ -40,5 +40,6 @@
 #include "KoXmlLib10/AttributeInfo.h"
 #include "KoXmlLib10/ClassFactory.h"
 #include "KoXmlLib10/Untyped.h"
+#include "KoXmlLib10/TypeCollections.h"
 
 #endif

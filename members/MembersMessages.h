@@ -12,6 +12,29 @@ inline constexpr char kCollectionTargetNamespace[] =
 inline constexpr char kCollectionMaximum[] = "The Maximum number of [%s] elements allowed in this collection is %d";
 inline constexpr char kCollectionMinimum[] = "The Minimum number of [%s] elements allowed in this collection is %d";
 
+// ---- Object collections, primitive collections and untyped content ----
+inline constexpr char kIndexOutOfRange[] = "Index out of range";
+inline constexpr char kIndexOutOfRangeUse[] = "Index %d is out of range, use 0 - %d";
+inline constexpr char kObjectNotInCollection[] = "The object was not found in the collection";
+inline constexpr char kDatesMustBeDate[] = "Dates added to this collection must be of type dt_date";
+inline constexpr char kDatesMustBeDateTime[] = "Dates added to this collection must be of type dt_dateTime";
+inline constexpr char kDatesMustBeTime[] = "Dates added to this collection must be of type dt_time";
+inline constexpr char kDatesMustBeMonthDay[] = "Dates added to this collection must be of type dt_gMonthDay";
+inline constexpr char kDatesMustBeYearMonth[] = "Dates added to this collection must be of type dt_gYearMonth";
+inline constexpr char kElementNameRequired[] = "Element Name must have a value";
+inline constexpr char kRestrictionRequired[] = "Namespace Restriction must have a value";
+inline constexpr char kTargetNamespaceRequired[] = "Target Namespace must have a value";
+inline constexpr char kKeywordAsNamespace[] = "Invalid Namespace [%s]";
+inline constexpr char kAttributeNamespaceInappropriate[] =
+    "Invalid Attribute [%s]. The attributes namespace is Inappropriate.";
+inline constexpr char kInvalidElementInElement[] = "Invalid Element [%s] found in element [%s]";
+inline constexpr char kAttributeReadByCollection[] = "This should be done by the collection";
+inline constexpr char kCollectionWithoutNamespace[] = "A Namespace has not been set for this Collection";
+inline constexpr char kNamespaceAgainstRestriction[] =
+    "The namespace %s in the class %s is invalid against restriction %s";
+inline constexpr char kNoObjectToCopy[] = "No object was given to copy.";
+inline constexpr char kNullNode[] = "No node was given to remove.";
+
 }  // namespace KoXmlLib10::msg
 
 #endif
