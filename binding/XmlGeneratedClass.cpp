@@ -167,6 +167,11 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* 
         if (!defaultNamespace.empty()) writer->SetDefaultNamespace(defaultNamespace);
       }
       writer->WriteStartElement(GetElementName(), elementNamespace ? elementNamespace : "");
+      if (isRoot) {
+        // The caller's extra attributes come first on the root element.
+        const CSmartPtr<CAttributeCol> extra = ctx.GetAdditionalRootAttributes();
+        CXmlObjectBase::ToXml_Int(extra.get(), writer, false, elementNamespace, ctx, choiceMayBeEmpty);
+      }
       AttributesToXml_Int(writer, ctx);
       if (isRoot) {
         const std::string schema = ctx.GetInLineSchema();
