@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "KoXmlLib10/BinaryData.h"
+#include "KoXmlLib10/ClassFactory.h"
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/FastInfosetContext.h"
 #include "KoXmlLib10/FastInfosetWriter.h"
@@ -25,10 +26,16 @@ struct EncodedDocument {
 
 namespace detail {
 
-// Writes `element` and its subtree; schema-instance type and location
-// attributes are left out (the writer declares namespaces itself).
+// Writes `element` and its subtree; namespace declarations and schema
+// location attributes are left out (the writer declares namespaces itself),
+// xsi:type is written as the type it names, its prefix resolved in scope.
 inline void WriteTree(KoXmlLib10::CXmlWriter& writer, const KoXmlLib10::CXmlElement* element) {
   writer.WriteStartElement(element->GetLocalName(), element->GetNamespaceURI());
+  auto* mutableElement = const_cast<KoXmlLib10::CXmlElement*>(element);
+  if (!KoXmlLib10::CClassfactoryBase::GetElementType(mutableElement).empty())
+    writer.WriteAttributeType(KoXmlLib10::CClassfactoryBase::GetElementTypeNamespaceUri(mutableElement),
+                              KoXmlLib10::CClassfactoryBase::GetElementType(mutableElement),
+                              KoXmlLib10::ItemType_string);
   for (const KoXmlLib10::CXmlAttribute* attribute : element->GetAttributes()) {
     if (attribute->IsNamespaceAttribute()) continue;
     writer.WriteAttributeString(attribute->GetLocalName(), attribute->GetNamespaceURI(), attribute->GetValue(),
