@@ -283,6 +283,8 @@ const std::vector<ReadCase>& ReadCases() {
       // choice
       {"ChoicePrim", ChoiceRoot, "<c1>5</c1>", None, nullptr, {{choiceroot::c1, "5"}, {choiceroot::c2, "-"}}},
       {"ChoiceNil", ChoiceRoot, "<c2 xsi:nil='true'/>", None, nullptr, {{choiceroot::c2, "nil"}}},
+      {"ChoicePrimNil", ChoiceRoot, "<c1 xsi:nil='1'>text ignored</c1>", None, nullptr, {{choiceroot::c1, "nil"}}},
+      {"ChoiceClassNil", ChoiceRoot, "<c3 xsi:nil='true'/>", None, nullptr, {{choiceroot::c3, "0:c3 nil"}}},
       {"ChoiceNestedFailureNamesThePath", ChoiceRoot, "<c3><text xsi:nil='maybe'/></c3>", None,
        "Failed to process the element [c3]\nUnexpected Value [maybe] for 'nil' Attribute found.", {}},
       {"ChoiceClass", ChoiceRoot, "<c3 code='1'/>", None, nullptr, {{choiceroot::c3, "0:c3"}}},
@@ -338,8 +340,8 @@ const std::vector<ReadCase>& ReadCases() {
        "Failed to find the mandatory element [a1]", {}},
       {"AllMissingPseudoMandatory", AllRoot, "<a1>1</a1><a3>small</a3><a8/>", None,
        "Failed to find the mandatory element [p]", {}},
-      {"AllClassMemberMayBeMissing", AllRoot, "<a1>1</a1><a3>small</a3><a8/><p1>1</p1>", None, nullptr,
-       {{allroot::a5, "0:a5"}, {allroot::a6, "-"}}},
+      {"AllClassMemberMayBeMissing", AllRoot, "<a1 xsi:nil='true'/><a3>small</a3><a8/><p1>1</p1>", None, nullptr,
+       {{allroot::a1, "nil"}, {allroot::a5, "0:a5"}, {allroot::a6, "-"}}},
       {"AllUnknownLeft", AllRoot, "<a1>1</a1><a3>small</a3><a8/><p1>1</p1><o:z/>", None,
        "Failed read all the elements held within the element [all]. The unexpected element [z] remains un "
        "processed",
