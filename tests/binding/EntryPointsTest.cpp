@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <dirent.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -167,6 +168,26 @@ TEST(EntryPoints, AFailedWriteLeavesNoPartialFile) {
     }
     EXPECT_EQ(Contents(existing), "old");
     EXPECT_EQ(dir.Entries(), std::vector<std::string>{"existing.xml"});
+  }
+}
+
+TEST(EntryPoints, AReplacedFileKeepsItsPermissions) {
+  ScratchDirectory dir;
+  const std::string text = dir.Path("private.xml"), fi = dir.Path("private.fi");
+  for (const std::string& path : {text, fi}) {
+    Put(path, "old");
+    ASSERT_EQ(chmod(path.c_str(), 0600), 0);
+  }
+  for (bool async : {false, true}) {
+    AsyncWriting mode(async);
+    Person()->ToXmlFile(text.c_str(), true, false, XmlEncoding_UTF8, EOLTypeLF, Default(), CompressionTypeNone);
+  }
+  Person()->ToFastInfosetFile(fi.c_str(), FInfoDeclNone, Default(), CompressionTypeNone);
+  for (const std::string& path : {text, fi}) {
+    struct stat status;
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600u) << path;
+    EXPECT_NE(Contents(path), "old");
   }
 }
 
