@@ -1,5 +1,8 @@
 #include "KoXmlLib10/Untyped.h"
 
+#include <memory>
+#include <vector>
+
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/Streams.h"
 #include "KoXmlLib10/XmlDocument.h"
@@ -42,6 +45,54 @@ std::string AttributeColNamespace(const char* namespaceUri, const char* namespac
 // namespace; written again as an attribute it would declare it twice.
 bool IsDefaultNamespaceDeclaration(const CAttribute& attribute) {
   return attribute.GetName() == "xmlns";
+}
+
+// An element with a default namespace of its own: its subtree is written by
+// a writer of its own whose scope starts with that default, then spliced in
+// as markup. The attributes go with it, but not the xmlns attribute that
+// carried the default namespace: the separate writer declares it. Its state
+// lives on the heap, as the function recurses with nested such elements.
+[[gnu::noinline]] void WriteWithOwnDefaultNamespace(const CElement& element, CXmlWriter* writer,
+                                                   const char* elementNamespace) {
+  auto subtreeCtx = std::make_unique<CXmlSerializationContext>();
+  subtreeCtx->SetDefaultNamespaceURI(element.GetDefaultNamespace().c_str());
+  auto writeSubtree = [&](CXmlWriter& target) {
+    target.WriteStartElement(element.GetName(), element.GetNamespace());
+    for (CAttribute* attribute : *element.GetAttributes())
+      if (attribute && !IsDefaultNamespaceDeclaration(*attribute))
+        CXmlObjectBase::ToXml_Int(attribute, &target, false, elementNamespace, *subtreeCtx, false);
+    CXmlObjectBase::ToXml_Int(element.GetElements(), &target, false, elementNamespace, *subtreeCtx, false);
+    target.WriteString(element.GetText(), ItemType_string);
+    target.WriteEndElement();
+  };
+
+  auto* outer = dynamic_cast<CXmlTextWriter*>(writer);
+  if (!outer) {
+    // Other writers (Fast Infoset) choose prefixes themselves: the same
+    // names and namespaces, written in place.
+    writeSubtree(*writer);
+    return;
+  }
+  auto stream = std::make_unique<CTextStream>();
+  auto separate = std::make_unique<CXmlTextWriter>(*stream);
+  separate->Open();
+  separate->SetFormat(outer->GetFormat());
+  separate->SetEOLType(outer->GetEOLType());
+  separate->SetDefaultNamespace(element.GetDefaultNamespace());
+  writeSubtree(*separate);
+  separate->Close();
+  // The outer writer ends the inserted markup with its own line end.
+  std::string markup(stream->GetText(), stream->GetLength());
+  while (!markup.empty() && (markup.back() == '\n' || markup.back() == '\r')) markup.pop_back();
+  outer->CloseParentElm();
+  outer->WriteRawElement(markup);
+}
+
+// True when the caller's reference is the only one to `object`.
+bool IsLastReference(CXmlObjectBase* object) {
+  const int count = object->AddRef();
+  object->Release();
+  return count == 2;
 }
 
 }  // namespace
@@ -171,7 +222,31 @@ CElement::CElement(CXmlObjectBase* object, const char* defaultNamespace) {
   CopyXmlElement(document.GetDocumentElement());
 }
 
-CElement::~CElement() = default;
+// Releasing a deep tree would recurse once per level. The children that go
+// with this element are taken out of their collections first and released
+// one at a time, each emptied the same way before it goes; shared ones (held
+// elsewhere too) are left whole.
+CElement::~CElement() {
+  std::vector<CSmartPtr<CElement>> pending;
+  auto takeChildren = [&pending](CElement& element) {
+    CElementCol* children = element.m_elements.get();
+    if (!children || !IsLastReference(children)) return;
+    for (CElement* child : *children)
+      if (child) pending.push_back(child);
+    try {
+      children->Clear();
+    } catch (...) {
+      // A listener's failure cannot leave a destructor; the collection's
+      // own destructor releases what is left.
+    }
+  };
+  takeChildren(*this);
+  while (!pending.empty()) {
+    CSmartPtr<CElement> next = pending.back();
+    pending.pop_back();
+    if (IsLastReference(next.get())) takeChildren(*next);
+  }
+}
 
 CXmlObjectBase* CElement::GetBase() { return this; }
 std::string CElement::GetNamespace() const { return m_namespace; }
@@ -262,51 +337,16 @@ CSmartPtr<CElement> CElement::Clone() const {
 
 void CElement::ToXml_Int(CXmlWriter* writer, bool, const char* elementNamespace,
                          const CXmlSerializationContext& ctx, bool) const {
-  if (m_defaultNamespace.empty()) {
-    writer->WriteStartElement(m_name, m_namespace);
-    CXmlObjectBase::ToXml_Int(m_attributes.get(), writer, false, elementNamespace, ctx, false);
-    CXmlObjectBase::ToXml_Int(m_elements.get(), writer, false, elementNamespace, ctx, false);
-    writer->WriteString(m_text, ItemType_string);
-    writer->WriteEndElement();
+  // Kept small: it recurses once per level of the tree.
+  if (!m_defaultNamespace.empty()) {
+    WriteWithOwnDefaultNamespace(*this, writer, elementNamespace);
     return;
   }
-
-  // The subtree gets its own default namespace: it is written by a writer of
-  // its own whose scope starts with that default, then spliced in as markup.
-  // The attributes go with it, but not the xmlns attribute that carried the
-  // default namespace: the separate writer declares it.
-  CXmlSerializationContext subtreeCtx;
-  subtreeCtx.SetDefaultNamespaceURI(m_defaultNamespace.c_str());
-  auto writeSubtree = [&](CXmlWriter& target) {
-    target.WriteStartElement(m_name, m_namespace);
-    for (CAttribute* attribute : *m_attributes)
-      if (attribute && !IsDefaultNamespaceDeclaration(*attribute))
-        CXmlObjectBase::ToXml_Int(attribute, &target, false, elementNamespace, subtreeCtx, false);
-    CXmlObjectBase::ToXml_Int(m_elements.get(), &target, false, elementNamespace, subtreeCtx, false);
-    target.WriteString(m_text, ItemType_string);
-    target.WriteEndElement();
-  };
-
-  auto* outer = dynamic_cast<CXmlTextWriter*>(writer);
-  if (!outer) {
-    // Other writers (Fast Infoset) choose prefixes themselves: the same
-    // names and namespaces, written in place.
-    writeSubtree(*writer);
-    return;
-  }
-  CTextStream stream;
-  CXmlTextWriter separate(stream);
-  separate.Open();
-  separate.SetFormat(outer->GetFormat());
-  separate.SetEOLType(outer->GetEOLType());
-  separate.SetDefaultNamespace(m_defaultNamespace);
-  writeSubtree(separate);
-  separate.Close();
-  // The outer writer ends the inserted markup with its own line end.
-  std::string markup(stream.GetText(), stream.GetLength());
-  while (!markup.empty() && (markup.back() == '\n' || markup.back() == '\r')) markup.pop_back();
-  outer->CloseParentElm();
-  outer->WriteRawElement(markup);
+  writer->WriteStartElement(m_name, m_namespace);
+  CXmlObjectBase::ToXml_Int(m_attributes.get(), writer, false, elementNamespace, ctx, false);
+  CXmlObjectBase::ToXml_Int(m_elements.get(), writer, false, elementNamespace, ctx, false);
+  writer->WriteString(m_text, ItemType_string);
+  writer->WriteEndElement();
 }
 
 CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* element, const CXmlSerializationContext& ctx,

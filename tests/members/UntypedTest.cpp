@@ -333,4 +333,33 @@ TEST_F(Untyped, AdditionalRootAttributesAreSharedByCopiesOfTheContext) {
   EXPECT_NE(early.GetAdditionalRootAttributes().get(), fresh.GetAdditionalRootAttributes().get());
 }
 
+// As deep as a document may be: read, cloned, written and destroyed.
+TEST_F(Untyped, DeepestDocument) {
+  const size_t depth = CXmlDocument::MAX_ELEMENT_DEPTH;
+  std::string xml;
+  for (size_t i = 0; i < depth; ++i) xml += "<e>";
+  for (size_t i = 0; i < depth; ++i) xml += "</e>";
+  CSmartPtr<CElement> e = new CElement("x");
+  e->FromXml(xml.c_str());
+  CSmartPtr<CElement> copy = e->Clone();
+  EXPECT_EQ(Text(*copy).size(), 7 * depth - 3);  // <e>…<e/>…</e>
+  size_t levels = 0;
+  for (CElement* at = copy.get(); at; at = at->GetElements()->GetCount() ? at->GetElements()->Item(0).get() : nullptr)
+    ++levels;
+  EXPECT_EQ(levels, depth);
+}
+
+TEST(UntypedElement, ASharedSubtreeOutlivesItsParentWhole) {
+  CSmartPtr<CElement> parent = new CElement("p");
+  CSmartPtr<CElement> kept = parent->GetElements()->Add("k", "");
+  kept->GetElements()->Add("g", "")->GetElements()->Add("h", "");
+  CSmartPtr<CElementCol> keptCollection = parent->GetElements()->Add("c", "")->GetElements();
+  keptCollection->Add("d", "");
+  parent = nullptr;
+  ASSERT_EQ(kept->GetElements()->GetCount(), 1);
+  EXPECT_EQ(kept->GetElements()->Item(0)->GetElements()->Item(0)->GetName(), "h");
+  ASSERT_EQ(keptCollection->GetCount(), 1);  // a collection held elsewhere keeps its items
+  EXPECT_EQ(keptCollection->Item(0)->GetName(), "d");
+}
+
 }  // namespace
