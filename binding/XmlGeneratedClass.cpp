@@ -79,6 +79,13 @@ bool IsCollectionChoiceRecord(const CElementInfo* record) {
          dynamic_cast<const CElementInfoChoiceUntpdCol*>(record);
 }
 
+// A document parsed without namespace processing keeps its namespace
+// declarations as ordinary attributes; they are still declarations.
+bool IsUnprocessedNamespaceDeclaration(const CXmlAttribute& attribute) {
+  const std::string& name = attribute.GetLocalName();
+  return attribute.GetNamespaceURI().empty() && (name == "xmlns" || name.compare(0, 6, "xmlns:") == 0);
+}
+
 bool EqualsIgnoringCase(const std::string& text, const char* expected) {
   return strcasecmp(text.c_str(), expected) == 0;
 }
@@ -160,6 +167,11 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* 
         if (!defaultNamespace.empty()) writer->SetDefaultNamespace(defaultNamespace);
       }
       writer->WriteStartElement(GetElementName(), elementNamespace ? elementNamespace : "");
+      if (isRoot) {
+        // The caller's extra attributes come first on the root element.
+        const CSmartPtr<CAttributeCol> extra = ctx.GetAdditionalRootAttributes();
+        CXmlObjectBase::ToXml_Int(extra.get(), writer, false, elementNamespace, ctx, choiceMayBeEmpty);
+      }
       AttributesToXml_Int(writer, ctx);
       if (isRoot) {
         const std::string schema = ctx.GetInLineSchema();
@@ -284,7 +296,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CXmlSerializationContext
   for (CXmlAttribute* attribute : element->GetAttributes()) {
     // Namespace declarations and the schema-instance type and location
     // attributes belong to the document, not to the data.
-    if (attribute->IsNamespaceAttribute()) continue;
+    if (attribute->IsNamespaceAttribute() || IsUnprocessedNamespaceDeclaration(*attribute)) continue;
 
     if (attribute->IsNilAttribute()) {
       INillable* nillable = dynamic_cast<INillable*>(this);

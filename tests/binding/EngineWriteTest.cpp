@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "KoXmlLib10/Untyped.h"
 #include "KoXmlLib10/XmlDocument.h"
 #include "support/TestModel.h"
 #include "support/TestRecords.h"
@@ -38,6 +39,7 @@ TEST(EngineWrite, RootOutputComesInItsOrder) {
   ctx.GetNamespaceAliases().Add("yy", "urn:a");
   ctx.SetDefaultNamespaceURI("urn:d");
   ctx.SetInLineSchema("<schema-here/>");
+  ctx.GetAdditionalRootAttributes()->Add("extra", "e");
   CSmartPtr<CPerson> person = Person();
   person->SetElementName("boss");  // differs from the type name
   person->lang = "en";
@@ -49,6 +51,7 @@ TEST(EngineWrite, RootOutputComesInItsOrder) {
   const size_t aliasA = Find(text, "xmlns:yy=\"urn:a\"");
   const size_t aliasB = Find(text, "xmlns:zz=\"urn:b\"");
   const size_t defaultNs = Find(text, "xmlns=\"urn:d\"");
+  const size_t extra = Find(text, "extra=\"e\"");
   const size_t type = Find(text, ":type=\"AA:person\"");
   const size_t id = Find(text, "id=\"1\"");
   const size_t lang = Find(text, "lang=\"en\"");
@@ -58,8 +61,9 @@ TEST(EngineWrite, RootOutputComesInItsOrder) {
   EXPECT_LT(second, start);
   EXPECT_LT(start, aliasA);
   EXPECT_LT(aliasA, aliasB);  // declarations in namespace order, not in the order added
-  EXPECT_LT(aliasB, type);
-  EXPECT_LT(defaultNs, type);
+  EXPECT_LT(aliasB, extra);
+  EXPECT_LT(defaultNs, extra);
+  EXPECT_LT(extra, type);  // the caller's extra attributes come first
   EXPECT_LT(type, id);
   EXPECT_LT(id, lang);
   EXPECT_LT(lang, schema);
@@ -86,6 +90,7 @@ TEST(EngineWrite, NamespaceWithoutAliasIsNotDeclared) {
 
 TEST(EngineWrite, RootExtrasOnlyOnTheRoot) {
   CXmlSerializationContext ctx;
+  ctx.GetAdditionalRootAttributes()->Add("extra", "e", "urn:x");
   ctx.GetProcessingInstructions().push_back("<?once?>");
   ctx.SetInLineSchema("<schema-once/>");
   CSmartPtr<CTeam> team(new CTeam());
@@ -94,6 +99,15 @@ TEST(EngineWrite, RootExtrasOnlyOnTheRoot) {
   const std::string text = Text(*team, ctx);
   EXPECT_EQ(text.find("<?once?>"), text.rfind("<?once?>"));
   EXPECT_EQ(text.find("<schema-once/>"), text.rfind("<schema-once/>"));
+  EXPECT_EQ(text.find("extra=\"e\""), text.rfind("extra=\"e\""));
+  // The root's class lets the extra attribute through; the schema is an
+  // element it does not know.
+  CXmlSerializationContext reading;
+  reading.SetIgnoreUnknownElements(true);
+  CSmartPtr<CTeam> back(new CTeam());
+  back->FromXml(text.c_str(), reading);
+  ASSERT_TRUE(back->leader);
+  EXPECT_EQ(back->leader->name, "Ada");
 }
 
 TEST(EngineWrite, TypeAttributeOnlyWhereTheNameDiffersFromTheType) {
@@ -187,15 +201,14 @@ TEST(EngineWrite, EmptyChoice) {
 
 // A class whose records are made for one test: a group type and records of
 // the test's choosing.
-class CCustom : public CXmlGeneratedClass, public INillable {
+class CCustom : public CXmlGeneratedClass {
  public:
   CCustom(XmlElementGroupType group, std::initializer_list<CElementInfo*> elements,
-          std::initializer_list<CAttributeInfo*> attributes, bool nillable = false)
+          std::initializer_list<CAttributeInfo*> attributes)
       : m_info(new CParentElementInfo(group, XmlElementTypeElement, "custom", kNs, true, false, -1, ItemType_none,
                                       nullptr, false)),
         m_elements(Elements(elements)),
-        m_attributes(Attributes(attributes)),
-        m_nillable(nillable) {
+        m_attributes(Attributes(attributes)) {
     SetElementName("custom");
   }
   ~CCustom() override { CleanMetaData(m_info, m_elements, m_attributes); }
@@ -210,8 +223,6 @@ class CCustom : public CXmlGeneratedClass, public INillable {
   CElementInfo** GetClassElementInfo() override { return m_elements; }
   CAttributeInfo** GetClassAttributeInfo() override { return m_attributes; }
   void Init() override { m_value.SetInvalid(); }
-  bool IsNil() override { return false; }
-  void SetNil(bool) override {}
 
   KoVariant m_value;
 
@@ -219,7 +230,6 @@ class CCustom : public CXmlGeneratedClass, public INillable {
   CParentElementInfo* m_info;
   CElementInfo** m_elements;
   CAttributeInfo** m_attributes;
-  bool m_nillable;
 };
 
 class CThrowingAttribute : public CAttributeInfo {

@@ -26,6 +26,7 @@
 #include <optional>
 #include <string>
 
+#include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/XmlGeneratedClass.h"
 #include "KoXmlLib10/XmlObjectBase.h"
 
