@@ -1,11 +1,12 @@
 # Front door for the common tasks; CMake does the real work.
 BUILD      ?= build
 ASAN_BUILD ?= build-sanitize
+TSAN_BUILD ?= build-tsan
 PREFIX     ?= /usr/local
 JOBS       ?= $(shell nproc)
 FUZZ_SECONDS ?= 60
 
-.PHONY: all bootstrap configure build test demo sanitize install bench fuzz clean
+.PHONY: all bootstrap configure build test demo sanitize tsan install bench fuzz clean
 
 all: build
 
@@ -32,6 +33,13 @@ sanitize: bootstrap
 	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest --output-on-failure -j $(JOBS)
 
+# The threaded tests (and every other) under ThreadSanitizer, in their own tree.
+tsan: bootstrap
+	@cmake -S . -B $(TSAN_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKOXML_TSAN=ON -DKOXML_BUILD_BENCH=OFF >/dev/null
+	@cmake --build $(TSAN_BUILD) -j $(JOBS)
+	@cd $(TSAN_BUILD) && TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 \
+	  ctest --output-on-failure -j $(JOBS)
+
 install: build
 	@cmake --install $(BUILD) --prefix $(PREFIX)
 
@@ -43,4 +51,4 @@ fuzz:
 	@./scripts/fuzz.sh $(FUZZ_SECONDS)
 
 clean:
-	@rm -rf $(BUILD) $(ASAN_BUILD) build-fuzz
+	@rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD) build-fuzz

@@ -34,6 +34,29 @@ inline constexpr char kChoiceAlreadySetUnbracketed[] =
 inline constexpr char kInvalidNamespace[] =
     "Invalid namespace [%s]. The namespace must be one of [%s] where the target namespace is [%s]";
 
+// The generated-class engine. Each level of nesting wraps what fails below
+// it, so the full message reads as a path from the root to the failure.
+inline constexpr char kFailedToConvertElement[] = "Failed to convert the element [%s] to XML";
+inline constexpr char kFailedToConvertAttributes[] = "Failed to convert attributes to XML";
+inline constexpr char kFailedToProcessElement[] = "Failed to process the element [%s]";
+inline constexpr char kUnknownGroupTypeWriting[] = "Unknown XML Group Type";
+inline constexpr char kUnknownGroupTypeReading[] = "Unknow Group Type";
+inline constexpr char kChoiceNoneSet[] =
+    "This element is a choice, and as such must have at one (and only one) valid item, currently there are "
+    "none set";
+inline constexpr char kElementsLeftOver[] =
+    "Failed read all the elements held within the element [%s]. The unexpected element [%s] remains un "
+    "processed";
+inline constexpr char kChoiceNoChildPopulated[] =
+    "No child elements within the element [%s] were populated. The element represents a choice, so one and "
+    "only one element should be populated. The element contained no sutable child elements";
+inline constexpr char kUnexpectedAttribute[] = "Unexpected Attribute [%s] found.";
+inline constexpr char kUnexpectedNilValue[] = "Unexpected Value [%s] for 'nil' Attribute found.";
+inline constexpr char kNilOnNonNillable[] = "Invalid use of 'nil' attibute in non-nillable element [%s]";
+
+// Metadata records.
+inline constexpr char kNotImplemented[] = "Not implemented, should never be called";
+
 }  // namespace KoXmlLib10::msg
 
 #endif

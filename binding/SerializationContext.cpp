@@ -87,4 +87,11 @@ bool CXmlSerializationContext::GetIgnoreNamespaces() const {
   return m_ignoreNamespaces || m_schemaType == SchemaTypeNoNamespaces;
 }
 
+// Created on first request so that contexts which never add root attributes
+// cost nothing; copies made before that call do not share it.
+CSmartPtr<CAttributeCol> CXmlSerializationContext::GetAdditionalRootAttributes() const {
+  if (!m_additionalRootAttributes) m_additionalRootAttributes = new CAttributeCol("", "##any", "");
+  return m_additionalRootAttributes;
+}
+
 }  // namespace KoXmlLib10

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdio>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "KoXmlLib10/Exceptions.h"
@@ -74,6 +75,10 @@ class CReplacementFile {
 
   const char* TemporaryName() const { return m_temporary.c_str(); }
   void Commit() {
+    // A replaced file keeps its permissions, as it would if it had been
+    // overwritten in place.
+    struct stat existing;
+    if (stat(m_target.c_str(), &existing) == 0) chmod(m_temporary.c_str(), existing.st_mode & 07777);
     if (std::rename(m_temporary.c_str(), m_target.c_str()) != 0)
       throw CKoException(FormatString(msg::kFileReplaceFailed, m_target.c_str()));
     m_committed = true;
@@ -87,9 +92,12 @@ class CReplacementFile {
 
 void WriteBytesToFile(const char* fileName, XmlEncoding encoding, CBinaryData& bytes) {
   CReplacementFile file(fileName);
-  {
+  try {
     CFileBinaryStream stream(file.TemporaryName(), encoding, bytes);
     stream.ToFile();
+  } catch (const CKoException&) {
+    // The stream names the file it wrote; the caller knows only the target.
+    throw CKoException(FormatString(msg::kFileReplaceFailed, fileName ? fileName : ""));
   }
   file.Commit();
 }
@@ -180,7 +188,11 @@ void CXmlObjectBase::ToXmlFile(const char* fileName, bool includeDocHeader, bool
     {
       CFileTextStream stream(file.TemporaryName(), encoding);
       CXmlTextWriter writer(stream);
-      writer.Open();
+      try {
+        writer.Open();
+      } catch (const CKoException&) {
+        throw CKoException(FormatString(msg::kFileReplaceFailed, fileName ? fileName : ""));
+      }
       writer.SetFormat(formatted);
       writer.SetEOLType(eol);
       if (includeDocHeader) writer.WriteStartDocument();

@@ -66,7 +66,7 @@ size_t CharacterLength(const unsigned char* p, const unsigned char* end) {
 }  // namespace
 
 CFastInfosetReader::CFastInfosetReader(const CFastInfosetContext& context, CXmlDocument& document)
-    : m_context(context), m_document(document) {}
+    : m_context(context), m_document(document), m_store(*document.m_store) {}
 
 CFastInfosetReader::~CFastInfosetReader() { Cleanup(); }
 
@@ -85,7 +85,7 @@ bool CFastInfosetReader::Parse() {
     m_vocabulary = m_context.GetUseGeneratedVocabulary()
                        ? std::make_unique<CFIVocabulary>(*m_context.GetVocabulary())
                        : std::make_unique<CFIVocabulary>();
-    m_budget = std::max(kMinimumBudget, kAmplification * m_document.m_inputLength);
+    m_budget = std::max(kMinimumBudget, kAmplification * m_document.m_sourceLength);
     ReadOptionalData();
     ReadChildren();
     if (!m_document.GetDocumentElement()) Fail(kNoElement);
@@ -99,8 +99,8 @@ bool CFastInfosetReader::Parse() {
 // ---- header and document ---------------------------------------------------
 
 bool CFastInfosetReader::CheckHeader(size_t offset) {
-  const unsigned char* input = m_document.m_input.get();
-  const size_t length = m_document.m_inputLength;
+  const unsigned char* input = m_document.m_source;
+  const size_t length = m_document.m_sourceLength;
   if (length <= offset + kHeaderSize || std::memcmp(input + offset, kHeader, kHeaderSize) != 0) return false;
   m_position = input + offset + kHeaderSize;
   m_end = input + length;
@@ -108,8 +108,8 @@ bool CFastInfosetReader::CheckHeader(size_t offset) {
 }
 
 bool CFastInfosetReader::ReadHeader() {
-  const unsigned char* input = m_document.m_input.get();
-  const size_t length = m_document.m_inputLength;
+  const unsigned char* input = m_document.m_source;
+  const size_t length = m_document.m_sourceLength;
   if (!input) return false;
   if (CheckHeader(0)) return true;
   for (const char* declaration : FI_DECLARATION_LIST) {
@@ -185,7 +185,7 @@ void CFastInfosetReader::ElementBit2(unsigned char octet) {
       else if (open == 0)
         return;
     } else if (octet == 0xF0 || octet == 0xFF) {
-      m_document.PopElement();
+      m_store.End(false);
       --open;
       // FF: this element's terminator and its parent's share the octet.
       if (octet == 0xFF) {
@@ -193,7 +193,7 @@ void CFastInfosetReader::ElementBit2(unsigned char octet) {
           m_doubleTerminator = true;
           return;
         }
-        m_document.PopElement();
+        m_store.End(false);
         --open;
       }
       if (open == 0) return;
@@ -223,13 +223,13 @@ bool CFastInfosetReader::StartElement(unsigned char octet) {
   }
   QualifiedNameOrIndexBit3(nameOctet);
   Spend(kNodeCost + m_namespaceUri.size() + m_localName.size());
-  CXmlElement* element = m_document.StartElement(m_namespaceUri, m_localName);
+  CXmlElement* element = m_store.Start(m_store.Name(m_namespaceUri, m_localName));
   if (!(octet & 0x40)) return true;
 
   unsigned char next;
   while (((next = Take()) & 0x80) == 0) AtrributeBit2(element, next);
   if (next != 0xFF) return true;
-  m_document.PopElement();
+  m_store.End(false);
   return false;
 }
 
@@ -237,20 +237,20 @@ void CFastInfosetReader::NamespaceAttributeBit7(unsigned char octet) {
   std::string prefix, namespaceUri;
   if (octet & 0x02) IdentifyingStringOrIndex(m_vocabulary->GetPrefixNamesTable(), prefix);
   if (octet & 0x01) IdentifyingStringOrIndex(m_vocabulary->GetNamespaceNamesTable(), namespaceUri);
-  m_document.SetAlias(std::move(prefix), std::move(namespaceUri));
+  m_store.Declare(prefix, namespaceUri);
 }
 
 void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet) {
   QualifiedNameOrIndexBit2(octet);
   const std::string_view value = NonIdentifyingStringOrIndexBit1(m_vocabulary->GetAttributeValuesTable());
   Spend(kNodeCost + m_namespaceUri.size() + m_localName.size() + value.size());
-  m_document.AddAttribute(element, m_localName, value, m_namespaceUri);
+  m_store.AddAttribute(element, m_store.Name(m_namespaceUri, m_localName), value);
 }
 
 void CFastInfosetReader::CharacterChunk(unsigned char octet) {
   const std::string_view text = NonIdentifyingStringOrIndexBit3(octet, m_vocabulary->GetCharacterChunksTable());
   Spend(text.size());
-  m_document.AppendTextExcludingCR(m_document.TopElement(), text.data(), text.size());
+  m_store.AppendText(m_store.Top(), text);
 }
 
 // ---- names -----------------------------------------------------------------

@@ -11,6 +11,7 @@
 
 #include "KoXmlLib10/FastInfosetContext.h"
 #include "KoXmlLib10/XmlDocument.h"
+#include "xml/DocumentStore.h"
 #include "xml/LocalText.h"
 
 namespace KoXmlLib10 {
@@ -111,6 +112,7 @@ class CFastInfosetReader {
 
   const CFastInfosetContext& m_context;
   CXmlDocument& m_document;
+  CXmlDocumentStore& m_store;
   const unsigned char* m_position = nullptr;
   const unsigned char* m_end = nullptr;
   uint32_t m_bitWidth = 0;

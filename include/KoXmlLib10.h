@@ -40,6 +40,7 @@
 #include "KoXmlLib10/AttributeInfo.h"
 #include "KoXmlLib10/ClassFactory.h"
 #include "KoXmlLib10/Untyped.h"
+#include "KoXmlLib10/TypeCollections.h"
 #include "KoXmlLib10/XmlClassCollection.h"
 #include "KoXmlLib10/GeneratedSupport.h"
 

@@ -12,10 +12,13 @@ namespace KoXmlLib10 {
 namespace {
 
 constexpr char kNameSeparator = '|';
+// expat copies what it is given into its own buffer: pieces of this size
+// keep that buffer small and warm in the cache.
+constexpr unsigned long kPieceBytes = 64 * 1024;
 
 }  // namespace
 
-CExpatReader::CExpatReader(CXmlDocument& document) : m_document(document) {}
+CExpatReader::CExpatReader(CXmlDocument& document) : m_document(document), m_store(*document.m_store) {}
 
 CExpatReader::~CExpatReader() {
   Cleanup();
@@ -43,12 +46,12 @@ void CExpatReader::CreateParser() {
 }
 
 void CExpatReader::Parse(bool isFinal) {
-  // expat counts in int; a larger buffer goes in as several pieces.
-  const char* data = reinterpret_cast<const char*>(m_document.m_input.get());
-  unsigned long remaining = m_document.m_inputLength;
+  const bool fromSource = m_document.m_source != nullptr;
+  const char* data = reinterpret_cast<const char*>(fromSource ? m_document.m_source : m_document.m_input.get());
+  unsigned long remaining = fromSource ? m_document.m_sourceLength : m_document.m_inputLength;
   XML_Status status = XML_STATUS_OK;
   do {
-    const int piece = static_cast<int>(std::min<unsigned long>(remaining, INT_MAX));
+    const int piece = static_cast<int>(std::min<unsigned long>(remaining, kPieceBytes));
     remaining -= piece;
     status = XML_Parse(m_parser, data, piece, remaining == 0 && isFinal);
     data += piece;
@@ -80,39 +83,44 @@ void CExpatReader::Guarded(void* userData, Work&& work) {
   }
 }
 
-// expat joins a namespace URI and a local name with the separator; local
-// names cannot contain it, so the last one is the split point.
-void CExpatReader::SplitName(const XML_Char* name, std::string& uri, std::string& local,
-                             std::string_view& uriView, std::string_view& localView, bool useScratch) {
+const CXmlNodeName* CExpatReader::NameOf(const XML_Char* name) {
   const std::string_view whole(name);
+  const size_t hash = CStringMap::Hash(whole);
+  if (const void* known = m_names.Find(whole, hash)) return static_cast<const CXmlNodeName*>(known);
+  // expat joins a namespace URI and a local name with the separator; local
+  // names cannot contain it, so the last one is the split point.
   const void* last = memrchr(whole.data(), kNameSeparator, whole.size());
-  const size_t separator = last ? static_cast<const char*>(last) - whole.data() : std::string_view::npos;
-  if (separator == std::string_view::npos) {
-    uriView = std::string_view();
-    localView = m_scratch.ToLocal(whole, local, useScratch);
-    return;
+  std::string uri, local;
+  std::string_view uriView, localView = whole;
+  if (last) {
+    const size_t separator = static_cast<const char*>(last) - whole.data();
+    uriView = m_scratch.ToLocal(whole.substr(0, separator), uri, false);
+    localView = whole.substr(separator + 1);
   }
-  uriView = m_scratch.ToLocal(whole.substr(0, separator), uri, useScratch);
-  localView = m_scratch.ToLocal(whole.substr(separator + 1), local, useScratch);
+  localView = m_scratch.ToLocal(localView, local, false);
+  const CXmlNodeName* shared = m_store.Name(uriView, localView);
+  m_names.Insert(whole, hash, shared);
+  return shared;
 }
 
 void XMLCALL CExpatReader::FnStartElement(void* userData, const XML_Char* name, const XML_Char** attributes) {
   Guarded(userData, [&](CExpatReader& reader) {
-    std::string uri, local, value;
-    std::string_view uriView, localView;
-    reader.SplitName(name, uri, local, uriView, localView, true);
-    CXmlDocument& document = reader.m_document;
-    CXmlElement* element = document.StartElement(uriView, localView);
+    CXmlDocumentStore& store = reader.m_store;
+    CXmlElement* element = store.Start(reader.NameOf(name));
+    if (!attributes[0]) return;
+    size_t count = 0;
+    while (attributes[2 * count]) ++count;
+    store.ReserveAttributes(element, count);
+    std::string converted;
     for (const XML_Char** pair = attributes; pair[0]; pair += 2) {
-      reader.SplitName(pair[0], uri, local, uriView, localView, false);
-      const std::string_view valueView = reader.m_scratch.ToLocal(pair[1], value, false);
-      document.AddAttribute(element, localView, valueView, uriView);
+      const CXmlNodeName* attributeName = reader.NameOf(pair[0]);
+      store.AddAttribute(element, attributeName, reader.m_scratch.ToLocal(pair[1], converted, false));
     }
   });
 }
 
 void XMLCALL CExpatReader::FnEndElement(void* userData, const XML_Char*) {
-  Guarded(userData, [](CExpatReader& reader) { reader.m_document.EndElement(); });
+  Guarded(userData, [](CExpatReader& reader) { reader.m_store.End(true); });
 }
 
 void XMLCALL CExpatReader::FnText(void* userData, const XML_Char* text, int length) {
@@ -120,20 +128,16 @@ void XMLCALL CExpatReader::FnText(void* userData, const XML_Char* text, int leng
   Guarded(userData, [&](CExpatReader& reader) {
     std::string converted;
     const std::string_view local = reader.m_scratch.ToLocal(std::string_view(text, length), converted);
-    reader.m_document.AppendTextExcludingCR(reader.m_document.TopElement(), local.data(), local.size());
+    reader.m_store.AppendText(reader.m_store.Top(), local);
   });
 }
 
 void XMLCALL CExpatReader::FnStartCDATA(void* userData) {
-  Guarded(userData, [](CExpatReader& reader) {
-    reader.m_document.AppendTextExcludingCR(reader.m_document.TopElement(), "<![CDATA[");
-  });
+  Guarded(userData, [](CExpatReader& reader) { reader.m_store.AppendText(reader.m_store.Top(), "<![CDATA["); });
 }
 
 void XMLCALL CExpatReader::FnEndCDATA(void* userData) {
-  Guarded(userData, [](CExpatReader& reader) {
-    reader.m_document.AppendTextExcludingCR(reader.m_document.TopElement(), "]]>");
-  });
+  Guarded(userData, [](CExpatReader& reader) { reader.m_store.AppendText(reader.m_store.Top(), "]]>"); });
 }
 
 void XMLCALL CExpatReader::FnStartNamespace(void* userData, const XML_Char* prefix, const XML_Char* uri) {
@@ -141,7 +145,7 @@ void XMLCALL CExpatReader::FnStartNamespace(void* userData, const XML_Char* pref
     std::string convertedPrefix, convertedUri;
     const std::string_view prefixView = reader.m_scratch.ToLocal(prefix ? prefix : "", convertedPrefix, false);
     const std::string_view uriView = reader.m_scratch.ToLocal(uri ? uri : "", convertedUri, false);
-    reader.m_document.SetAlias(std::string(prefixView), std::string(uriView));
+    reader.m_store.Declare(prefixView, uriView);
   });
 }
 

@@ -9,12 +9,13 @@
 #include <string_view>
 
 #include "KoXmlLib10/XmlDocument.h"
+#include "xml/DocumentStore.h"
 #include "xml/LocalText.h"
 
 namespace KoXmlLib10 {
 
-// Builds a document's tree from its input buffer, which holds XML text, with
-// one expat parse over the whole buffer.
+// Builds a document's tree from XML text. The text is handed to expat in
+// pieces, so that expat's own copy of it stays small.
 class CExpatReader {
  public:
   explicit CExpatReader(CXmlDocument& document);
@@ -41,12 +42,15 @@ class CExpatReader {
   // it is kept, the parser stopped, and the exception rethrown by Parse.
   template <typename Work>
   static void Guarded(void* userData, Work&& work);
-  void SplitName(const XML_Char* name, std::string& uri, std::string& local, std::string_view& uriView,
-                 std::string_view& localView, bool useScratch);
+  // The document's shared name for a name as expat reports it ("uri|local"
+  // or a name without namespace), converted and split once per load.
+  const CXmlNodeName* NameOf(const XML_Char* name);
   void ReleaseParser();
 
   CXmlDocument& m_document;
+  CXmlDocumentStore& m_store;
   CLocalTextScratch m_scratch;
+  CStringMap m_names;
   XML_Parser m_parser = nullptr;
   std::exception_ptr m_failure;
 };

@@ -7,10 +7,13 @@
 #include <new>
 
 #include "KoXmlLib10/Exceptions.h"
+#include "KoXmlLib10/FastInfosetWriter.h"
 #include "KoXmlLib10/KoZip.h"
 #include "KoXmlLib10/StringUtils.h"
 #include "fastinfoset/FastInfosetReader.h"
+#include "xml/DocumentStore.h"
 #include "xml/ExpatReader.h"
+#include "xml/XmlNames.h"
 
 namespace KoXmlLib10 {
 
@@ -20,10 +23,9 @@ void AsyncFromXmlFile(bool async) { ASYNC_FROMXMLFILE = async; }
 
 namespace {
 
-const char kSchemaInstanceNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
-const char kXmlnsNamespace[] = "http://www.w3.org/2000/xmlns/";
-
-bool IsInstanceNamespace(const std::string& uri) { return uri == kSchemaInstanceNamespace || uri == kXmlnsNamespace; }
+bool IsInstanceNamespace(const std::string& uri) {
+  return uri == XmlNames::kSchemaInstanceNamespace || uri == XmlNames::kXmlnsNamespace;
+}
 
 // Closes the file before a failure is reported, as every failure path must.
 struct FileCloser {
@@ -41,92 +43,250 @@ const std::string& EmptyString() {
   return empty;
 }
 
-SharedString Share(const std::string& s) { return s.empty() ? nullptr : std::make_shared<const std::string>(s); }
+const std::vector<CXmlAttribute*>& NoAttributes() {
+  static const std::vector<CXmlAttribute*> none;
+  return none;
+}
+
+std::unique_ptr<CXmlNodeName> OwnName(std::string_view namespaceUri, std::string_view localName,
+                                      const CXmlDocument* owner) {
+  auto name = std::make_unique<CXmlNodeName>();
+  name->namespaceUri.assign(namespaceUri.data(), namespaceUri.size());
+  name->localName.assign(localName.data(), localName.size());
+  name->owner = owner;
+  name->isSchemaInstanceType = namespaceUri == XmlNames::kSchemaInstanceNamespace && localName == "type";
+  return name;
+}
+
+// Whether a byte stream can only be XML text: it starts a tag, so it is
+// neither a gzip stream (1F 8B), nor a zlib stream (the low nibble of the
+// first octet would be 8), nor Fast Infoset (E0 or one of its declarations,
+// which start with "<?xml").
+bool IsPlainText(const unsigned char* data, unsigned long size) {
+  if (size == 0 || data[0] != '<') return false;
+  for (const char* declaration : FI_DECLARATION_LIST) {
+    const size_t length = std::strlen(declaration);
+    if (size >= length && std::memcmp(data, declaration, length) == 0) return false;
+  }
+  return true;
+}
 
 }  // namespace
 
+// ---- CXmlAttribute ---------------------------------------------------------
+
 CXmlAttribute::CXmlAttribute(const std::string& localName, const std::string& value, const std::string& namespaceUri)
-    : m_localName(localName), m_value(value), m_namespaceUri(Share(namespaceUri)) {}
+    : m_name(0), m_value(value) {
+  m_name = reinterpret_cast<uintptr_t>(OwnName(namespaceUri, localName, nullptr).release()) | 1;
+}
 
-CXmlAttribute::CXmlAttribute(std::string_view localName, std::string_view value, SharedString namespaceUri)
-    : m_localName(localName), m_value(value), m_namespaceUri(std::move(namespaceUri)) {}
+CXmlAttribute::CXmlAttribute(const CXmlNodeName* sharedName, std::string_view value)
+    : m_name(reinterpret_cast<uintptr_t>(sharedName)), m_value(value) {}
 
-const std::string& CXmlAttribute::GetNamespaceURI() const { return m_namespaceUri ? *m_namespaceUri : EmptyString(); }
+CXmlAttribute::~CXmlAttribute() {
+  if (OwnsName()) delete &Name();
+}
 
-CXmlAttribute::~CXmlAttribute() = default;
-
-bool CXmlAttribute::IsNilAttribute() const { return IsInstanceNamespace(GetNamespaceURI()) && m_localName == "nil"; }
+bool CXmlAttribute::IsNilAttribute() const {
+  return IsInstanceNamespace(GetNamespaceURI()) && GetLocalName() == "nil";
+}
 
 bool CXmlAttribute::IsNamespaceAttribute() const {
+  const std::string& localName = GetLocalName();
   return IsInstanceNamespace(GetNamespaceURI()) &&
-         (m_localName == "xmlns" || m_localName == "type" || m_localName == "schemaLocation" ||
-          m_localName == "noNamespaceSchemaLocation");
+         (localName == "xmlns" || localName == "type" || localName == "schemaLocation" ||
+          localName == "noNamespaceSchemaLocation");
 }
 
 // ---- CXmlElement -----------------------------------------------------------
 
-CXmlElement::CXmlElement(const CXmlDocument* owner) : m_owner(owner) {}
+CXmlElement::CXmlElement(const CXmlDocument* owner) : m_name(nullptr), m_flags(kOwnsName) {
+  m_name = OwnName("", "", owner).release();
+}
 
+CXmlElement::CXmlElement(const CXmlNodeName* sharedName, InStoreTag) : m_name(sharedName), m_flags(kInStore) {}
+
+// Only elements on the heap get here: those in a document's store are
+// given back to it by the document.
 CXmlElement::~CXmlElement() {
-  for (CXmlAttribute* attribute : m_attributes) delete attribute;
+  ReleaseParts();
   // The descendants form one chain through the sibling links: an element
   // with children splices them in right behind itself before it is deleted,
   // so each deletion finds a childless element and nothing recurses.
   CXmlElement* chain = m_firstChild;
-  m_firstChild = m_lastChild = nullptr;
+  m_firstChild = nullptr;
   while (chain) {
     CXmlElement* element = chain;
-    if (element->m_firstChild) {
-      element->m_lastChild->m_nextSibling = element->m_nextSibling;
-      element->m_nextSibling = element->m_firstChild;
-      element->m_firstChild = element->m_lastChild = nullptr;
+    if (CXmlElement* first = element->m_firstChild) {
+      first->m_prevSibling->m_nextSibling = element->m_nextSibling;
+      element->m_nextSibling = first;
+      element->m_firstChild = nullptr;
     }
     chain = element->m_nextSibling;
     delete element;
   }
 }
 
-const std::string& CXmlElement::GetNamespaceURI() const { return m_namespaceUri ? *m_namespaceUri : EmptyString(); }
+void CXmlElement::ReleaseParts() {
+  if (m_flags & kTextString) delete reinterpret_cast<std::string*>(const_cast<char*>(m_text));
+  m_text = nullptr;
+  m_flags &= ~kTextString;
+  if (m_attributes) {
+    for (CXmlAttribute* attribute : *m_attributes) delete attribute;
+    delete m_attributes;
+    m_attributes = nullptr;
+  }
+  if (m_flags & kOwnsName) delete m_name;
+  m_name = nullptr;
+}
 
-void CXmlElement::SetNamespace(const std::string& namespaceUri) { m_namespaceUri = Share(namespaceUri); }
+CXmlDocumentStore* CXmlElement::Store() const { return const_cast<CXmlDocument*>(m_name->owner)->m_store.get(); }
+
+std::string& CXmlElement::TextString() const {
+  if (!(m_flags & kTextString)) {
+    if (m_flags & kTextPending) return Store()->FlushPending(this), TextString();
+    auto text = std::make_unique<std::string>(m_text ? m_text : "", m_textLength);
+    m_text = reinterpret_cast<const char*>(text.release());
+    m_textLength = 0;
+    m_flags |= kTextString;
+  }
+  return *reinterpret_cast<std::string*>(const_cast<char*>(m_text));
+}
+
+const std::string& CXmlElement::GetText() const {
+  if (!(m_flags & (kTextString | kTextPending)) && m_textLength == 0) return EmptyString();
+  return TextString();
+}
+
+std::string_view CXmlElement::GetTextView() const {
+  if (m_flags & (kTextString | kTextPending)) return TextString();
+  return std::string_view(m_text, m_textLength);
+}
+
+const std::vector<CXmlAttribute*>& CXmlElement::GetAttributes() const {
+  return m_attributes ? *m_attributes : NoAttributes();
+}
 
 const std::string& CXmlElement::GetAttribute(const std::string& localName, const std::string& namespaceUri) const {
-  for (const CXmlAttribute* attribute : m_attributes)
-    if (attribute->GetLocalName() == localName && attribute->GetNamespaceURI() == namespaceUri)
-      return attribute->GetValue();
+  if (m_attributes)
+    for (const CXmlAttribute* attribute : *m_attributes)
+      if (attribute->GetLocalName() == localName && attribute->GetNamespaceURI() == namespaceUri)
+        return attribute->GetValue();
   return EmptyString();
 }
 
-CXmlElement* CXmlElement::CreateNewChildElement() {
-  CXmlElement* child = new CXmlElement(m_owner);
-  if (m_lastChild)
-    m_lastChild->m_nextSibling = child;
-  else
+bool CXmlElement::GetTypePrefixNamespace(std::string& namespaceUri) const {
+  if (!(m_flags & kTypeNamespace)) return false;
+  if (m_flags & kOwnsName) {
+    namespaceUri = m_name->typeNamespace;
+    return true;
+  }
+  return Store()->TypeNamespace(this, namespaceUri);
+}
+
+void CXmlElement::LinkChild(CXmlElement* child) {
+  if (!m_firstChild) {
     m_firstChild = child;
-  m_lastChild = child;
+  } else {
+    CXmlElement* last = m_firstChild->m_prevSibling;
+    last->m_nextSibling = child;
+    child->m_prevSibling = last;
+  }
+  m_firstChild->m_prevSibling = child;
+}
+
+CXmlElement* CXmlElement::UnlinkLastChild() {
+  CXmlElement* last = LastChild();
+  if (!last) return nullptr;
+  if (last == m_firstChild) {
+    m_firstChild = nullptr;
+  } else {
+    CXmlElement* before = last->m_prevSibling;
+    before->m_nextSibling = nullptr;
+    m_firstChild->m_prevSibling = before;
+  }
+  last->m_prevSibling = nullptr;
+  return last;
+}
+
+CXmlElement* CXmlElement::CreateNewChildElement() {
+  CXmlElement* child;
+  if (m_flags & kInStore) {
+    CXmlDocumentStore* store = Store();
+    child = store->NewElement(store->Name("", ""));
+  } else {
+    child = new CXmlElement(m_name->owner);
+  }
+  LinkChild(child);
   return child;
 }
 
 CXmlElement* CXmlElement::RemoveLastChildElement() {
-  CXmlElement* last = m_lastChild;
-  if (!last) return nullptr;
-  if (m_firstChild == last) {
-    m_firstChild = m_lastChild = nullptr;
-    return last;
+  CXmlElement* last = UnlinkLastChild();
+  if (!last || !(last->m_flags & kInStore)) return last;
+  // A loaded document's element lives in the document's storage: the
+  // caller gets a copy on the heap that it owns and may keep.
+  std::unique_ptr<CXmlElement> copy;
+  try {
+    if (last->m_flags & kOpen) throw CKoException("An element that is still being read cannot be removed.");
+    copy.reset(last->CopyToHeap());
+  } catch (...) {
+    LinkChild(last);
+    throw;
   }
-  CXmlElement* before = m_firstChild;
-  while (before->m_nextSibling != last) before = before->m_nextSibling;
-  before->m_nextSibling = nullptr;
-  m_lastChild = before;
-  return last;
+  Store()->DestroySubtree(last);
+  return copy.release();
 }
+
+// A heap copy of this element and its subtree, built without recursion.
+CXmlElement* CXmlElement::CopyToHeap() const {
+  auto copyNode = [](const CXmlElement& from, CXmlElement& to) {
+    CXmlNodeName& name = const_cast<CXmlNodeName&>(*to.m_name);
+    name.namespaceUri = from.GetNamespaceURI();
+    name.localName = from.GetLocalName();
+    if (from.GetTypePrefixNamespace(name.typeNamespace)) to.m_flags |= kTypeNamespace;
+    to.Append(from.GetTextView());
+    for (const CXmlAttribute* attribute : from.GetAttributes())
+      to.AddAttribute(attribute->GetLocalName(), attribute->GetValue(), attribute->GetNamespaceURI());
+  };
+  auto root = std::make_unique<CXmlElement>(m_name->owner);
+  copyNode(*this, *root);
+  std::vector<std::pair<const CXmlElement*, CXmlElement*>> pending{{this, root.get()}};
+  while (!pending.empty()) {
+    const auto [from, to] = pending.back();
+    pending.pop_back();
+    for (const CXmlElement* child = from->m_firstChild; child; child = child->m_nextSibling) {
+      CXmlElement* copy = to->CreateNewChildElement();
+      copyNode(*child, *copy);
+      pending.emplace_back(child, copy);
+    }
+  }
+  return root.release();
+}
+
+void CXmlElement::SetName(std::string_view namespaceUri, std::string_view localName) {
+  if (m_flags & kOwnsName) {
+    CXmlNodeName& name = const_cast<CXmlNodeName&>(*m_name);
+    name.namespaceUri.assign(namespaceUri.data(), namespaceUri.size());
+    name.localName.assign(localName.data(), localName.size());
+  } else {
+    m_name = Store()->Name(namespaceUri, localName);
+  }
+}
+
+void CXmlElement::SetElementName(const std::string& name) { SetName(m_name->namespaceUri, name); }
+
+void CXmlElement::SetNamespace(const std::string& namespaceUri) { SetName(namespaceUri, m_name->localName); }
 
 void CXmlElement::Append(std::string_view text) {
   if (text.empty()) return;
+  // While a load gathers this element's text, pieces join it in order.
+  if ((m_flags & kTextPending) && (m_flags & kInStore) && Store()->AppendIfGathering(this, text)) return;
+  std::string& own = TextString();
   // Text arrives in many small pieces: grow geometrically.
-  const size_t length = m_text.size() + text.size();
-  if (!m_text.empty() && length > m_text.capacity()) m_text.reserve(std::max(length, 2 * m_text.capacity()));
-  m_text.append(text.data(), text.size());
+  const size_t length = own.size() + text.size();
+  if (!own.empty() && length > own.capacity()) own.reserve(std::max(length, 2 * own.capacity()));
+  own.append(text.data(), text.size());
 }
 
 void CXmlElement::AppendText(const char* text, int length) {
@@ -139,9 +299,14 @@ void CXmlElement::AppendText(const char* text) {
 
 CXmlAttribute* CXmlElement::AddAttribute(const std::string& localName, const std::string& value,
                                          const std::string& namespaceUri) {
-  std::unique_ptr<CXmlAttribute> attribute(new CXmlAttribute(localName, value, namespaceUri));
-  m_attributes.push_back(attribute.get());
-  return attribute.release();
+  if (m_flags & kInStore) {
+    CXmlDocumentStore* store = Store();
+    return store->AddAttribute(this, store->Name(namespaceUri, localName), value);
+  }
+  if (!m_attributes) m_attributes = new std::vector<CXmlAttribute*>();
+  m_attributes->reserve(m_attributes->size() + 1);
+  m_attributes->push_back(new CXmlAttribute(localName, value, namespaceUri));
+  return m_attributes->back();
 }
 
 // ---- CXmlDocument ----------------------------------------------------------
@@ -153,7 +318,7 @@ CXmlDocument::CXmlDocument(ElementFilter filter) : CXmlDocument(filter, CXmlSeri
 CXmlDocument::CXmlDocument(const CXmlSerializationContext& context) : CXmlDocument(nullptr, context) {}
 
 CXmlDocument::CXmlDocument(ElementFilter filter, const CXmlSerializationContext& context)
-    : m_filter(filter), m_context(&context) {
+    : m_store(std::make_unique<CXmlDocumentStore>(*this)), m_filter(filter), m_context(&context) {
   Init();
 }
 
@@ -162,33 +327,49 @@ CXmlDocument::~CXmlDocument() { CXmlDocument::Cleanup(); }
 void CXmlDocument::Init() {
   m_input.reset();
   m_inputLength = 0;
-  m_documentElement.reset();
-  m_openElements.clear();
+  m_source = nullptr;
+  m_sourceLength = 0;
+  ReleaseTree();
   m_schemaType = m_context->GetSchemaType();
 }
 
 void CXmlDocument::Cleanup() {
   m_input.reset();
-  m_documentElement.reset();
   m_inputLength = 0;
-  m_openElements.clear();
+  m_source = nullptr;
+  m_sourceLength = 0;
+  ReleaseTree();
   m_aliases.clear();
-  m_namespaces.clear();
 }
+
+void CXmlDocument::ReleaseTree() { m_store->Clear(); }
 
 void CXmlDocument::ReplaceInput(unsigned char* data, unsigned long length) {
   m_input.reset(data);
   m_inputLength = length;
 }
 
+void CXmlDocument::ParseTextFrom(const unsigned char* data, unsigned long length) {
+  m_source = data;
+  m_sourceLength = length;
+  try {
+    ParseText();
+  } catch (...) {
+    m_source = nullptr;
+    m_sourceLength = 0;
+    throw;
+  }
+  m_source = nullptr;
+  m_sourceLength = 0;
+}
+
 void CXmlDocument::LoadXml(const char* xml) {
   Cleanup();
   const size_t length = xml ? std::strlen(xml) : 0;
   if (length == 0) throw CKoException("XML String is empty!");
-  std::unique_ptr<unsigned char[]> input(new unsigned char[length]);
-  std::memcpy(input.get(), xml, length);
-  ReplaceInput(input.release(), length);
-  ParseText();
+  // The text is read where the caller keeps it: a copy would only add a
+  // second document's worth of memory to the load.
+  ParseTextFrom(reinterpret_cast<const unsigned char*>(xml), length);
 }
 
 void CXmlDocument::LoadXml(const wchar_t* xml) {
@@ -211,6 +392,10 @@ void CXmlDocument::LoadXml(const wchar_t* xml) {
 void CXmlDocument::LoadXmlStream(unsigned char* data, unsigned long size) {
   Cleanup();
   if (!data || size == 0) throw CKoException("XML Stream is empty!");
+  if (IsPlainText(data, size)) {
+    ParseTextFrom(data, size);
+    return;
+  }
   std::unique_ptr<unsigned char[]> input(new unsigned char[size]);
   std::memcpy(input.get(), data, size);
   ReplaceInput(input.release(), size);
@@ -267,6 +452,8 @@ void CXmlDocument::Parse() {
     (void)m_input.release();  // Decompress has freed it
     ReplaceInput(data, length);
   }
+  m_source = m_input.get();
+  m_sourceLength = m_inputLength;
   CFastInfosetReader reader(m_context->GetFIContext(), *this);
   if (!reader.Parse()) ParseText();
 }
@@ -282,67 +469,17 @@ std::string CXmlDocument::LookupNamespaceFromAlias(const char* alias) const {
   return found == m_aliases.end() ? std::string() : found->second;
 }
 
-void CXmlDocument::SetAlias(std::string prefix, std::string namespaceUri) {
-  m_aliases[std::move(prefix)] = std::move(namespaceUri);
-}
-
-CXmlElement* CXmlDocument::StartElement(std::string_view namespaceUri, std::string_view localName) {
-  CXmlElement* element;
-  if (!m_documentElement) {
-    m_documentElement.reset(new CXmlElement(this));
-    element = m_documentElement.get();
-  } else {
-    CXmlElement* parent = TopElement();
-    if (!parent) throw CKoException("A document can have only one document element.");
-    if (m_openElements.size() >= MAX_ELEMENT_DEPTH)
-      throw CKoException(FormatString("The document is nested too deeply: more than %lu levels of elements.",
-                                      static_cast<unsigned long>(MAX_ELEMENT_DEPTH)));
-    element = parent->CreateNewChildElement();
-  }
-  element->m_namespaceUri = Shared(namespaceUri);
-  element->m_localName.assign(localName.data(), localName.size());
-  m_openElements.push_back(element);
-  return element;
-}
-
 CXmlElement* CXmlDocument::AddDocElement(const char* namespaceUri, const char* localName) {
-  m_documentElement.reset();
-  m_openElements.clear();
-  return StartElement(namespaceUri ? namespaceUri : "", localName ? localName : "");
+  ReleaseTree();
+  return m_store->Start(m_store->Name(namespaceUri ? namespaceUri : "", localName ? localName : ""));
 }
 
 CXmlElement* CXmlDocument::AddChildElement(const char* namespaceUri, const char* localName) {
-  if (!TopElement()) throw CKoException("A document can have only one document element.");
-  return StartElement(namespaceUri ? namespaceUri : "", localName ? localName : "");
+  if (!m_store->Top()) throw CKoException("A document can have only one document element.");
+  return m_store->Start(m_store->Name(namespaceUri ? namespaceUri : "", localName ? localName : ""));
 }
 
-void CXmlDocument::EndElement() {
-  if (m_openElements.empty()) return;
-  CXmlElement* element = m_openElements.back();
-  m_openElements.pop_back();
-  if (!m_filter || !m_filter(element) || m_openElements.empty()) return;
-  std::unique_ptr<CXmlElement> dropped(m_openElements.back()->RemoveLastChildElement());
-}
-
-SharedString CXmlDocument::Shared(std::string_view namespaceUri) {
-  // Documents use a handful of namespaces; a short list of the recent ones
-  // finds nearly every URI without hashing.
-  constexpr size_t kRemembered = 16;
-  if (namespaceUri.empty()) return nullptr;
-  for (const SharedString& known : m_namespaces)
-    if (*known == namespaceUri) return known;
-  SharedString added = std::make_shared<const std::string>(namespaceUri);
-  if (m_namespaces.size() == kRemembered) m_namespaces.erase(m_namespaces.begin());
-  m_namespaces.push_back(added);
-  return added;
-}
-
-void CXmlDocument::AddAttribute(CXmlElement* element, std::string_view localName, std::string_view value,
-                                std::string_view namespaceUri) {
-  std::vector<CXmlAttribute*>& attributes = element->m_attributes;
-  if (attributes.size() == attributes.capacity()) attributes.reserve(std::max<size_t>(4, 2 * attributes.size()));
-  attributes.push_back(new CXmlAttribute(localName, value, Shared(namespaceUri)));
-}
+void CXmlDocument::EndElement() { m_store->End(true); }
 
 void CXmlDocument::AddElementAttribute(CXmlElement* element, const std::string& localName,
                                        const std::string& value, const std::string& namespaceUri) {
@@ -350,17 +487,7 @@ void CXmlDocument::AddElementAttribute(CXmlElement* element, const std::string& 
 }
 
 void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const char* text, unsigned long length) {
-  if (!element || !text) return;
-  // One pass over the chunk: carriage returns are left out, a NUL ends it.
-  const char* start = text;
-  const char* end = text + length;
-  for (const char* p = text; p < end; ++p) {
-    if (*p != '\r' && *p != '\0') continue;
-    element->Append(std::string_view(start, static_cast<size_t>(p - start)));
-    if (*p == '\0') return;
-    start = p + 1;
-  }
-  element->Append(std::string_view(start, static_cast<size_t>(end - start)));
+  if (text) m_store->AppendText(element, std::string_view(text, length));
 }
 
 void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const char* text) {

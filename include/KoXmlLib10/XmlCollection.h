@@ -54,6 +54,7 @@ class KOXML_API CXmlCollection : public CXmlCollectionBase {
   // A null `existing` appends (AddBeforeItem) or prepends (AddAfterItem).
   void AddBeforeItem(const CXmlObjectBase* existing, CXmlObjectBase* item);
   void AddAfterItem(const CXmlObjectBase* existing, CXmlObjectBase* item);
+  // The node must belong to this collection.
   void RemoveNode(CNode* node);
 
   CNode* GetNodeAtIndex(int index) const;
@@ -67,6 +68,9 @@ class KOXML_API CXmlCollection : public CXmlCollectionBase {
   void AttributesToXml_Int(CXmlWriter* writer, const CXmlSerializationContext& ctx) const override;
 
  private:
+  // Links a new node for `item` in front of `at`; the add event has been fired.
+  void InsertBefore(CNode* at, CXmlObjectBase* item);
+
   CNode* m_head = nullptr;
   CNode* m_tail = nullptr;
   int m_count = 0;

@@ -1,6 +1,7 @@
 #ifndef KOXMLLIB10_XMLDOCUMENT_H
 #define KOXMLLIB10_XMLDOCUMENT_H
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -15,19 +16,29 @@ namespace KoXmlLib10 {
 class CXmlDocument;
 class CExpatReader;
 class CFastInfosetReader;
+class CXmlDocumentStore;
 
-// Namespace URIs repeat on nearly every node: the readers let the nodes
-// share one string per URI.
-using SharedString = std::shared_ptr<const std::string>;
+// Storage of a node's name. A loaded document keeps one per distinct name
+// and its nodes point at it; a node built on its own owns its copy. Internal
+// to the tree: applications use the getters of the nodes.
+struct CXmlNodeName {
+  std::string namespaceUri;
+  std::string localName;
+  const CXmlDocument* owner = nullptr;
+  bool isSchemaInstanceType = false;  // xsi:type, as an attribute name
+  std::string typeNamespace;          // of an element that owns its name, see GetTypePrefixNamespace
+};
 
 class KOXML_API CXmlAttribute {
  public:
   CXmlAttribute(const std::string& localName, const std::string& value, const std::string& namespaceUri);
+  CXmlAttribute(const CXmlAttribute&) = delete;
+  CXmlAttribute& operator=(const CXmlAttribute&) = delete;
   virtual ~CXmlAttribute();
 
-  const std::string& GetLocalName() const { return m_localName; }
+  const std::string& GetLocalName() const { return Name().localName; }
   const std::string& GetValue() const { return m_value; }
-  const std::string& GetNamespaceURI() const;
+  const std::string& GetNamespaceURI() const { return Name().namespaceUri; }
   // xsi:nil (also accepted in the xmlns namespace).
   bool IsNilAttribute() const;
   // xmlns, xsi:type, xsi:schemaLocation and xsi:noNamespaceSchemaLocation:
@@ -35,17 +46,25 @@ class KOXML_API CXmlAttribute {
   bool IsNamespaceAttribute() const;
 
  private:
+  friend class CXmlElement;
   friend class CXmlDocument;
-  CXmlAttribute(std::string_view localName, std::string_view value, SharedString namespaceUri);
+  friend class CXmlDocumentStore;
+  // A node of a loaded document: the name belongs to the document.
+  CXmlAttribute(const CXmlNodeName* sharedName, std::string_view value);
+  const CXmlNodeName& Name() const { return *reinterpret_cast<const CXmlNodeName*>(m_name & ~uintptr_t(1)); }
+  bool OwnsName() const { return m_name & 1; }
 
-  std::string m_localName;
+  uintptr_t m_name;  // CXmlNodeName*, low bit set when this attribute owns it
   std::string m_value;
-  SharedString m_namespaceUri;
 };
 
 // An element of the parsed tree: name, attributes in document order, and all
 // its character data concatenated (whitespace between children included).
 // It owns its children and attributes.
+//
+// Elements of a loaded document live in the document's storage and are
+// destroyed with it; elements created with `new` (and whatever is built
+// under them) are ordinary heap objects that their owner deletes.
 class KOXML_API CXmlElement {
  public:
   explicit CXmlElement(const CXmlDocument* owner);
@@ -55,21 +74,36 @@ class KOXML_API CXmlElement {
   // arbitrarily deep trees cannot exhaust the stack.
   virtual ~CXmlElement();
 
-  const CXmlDocument* GetOwnerDocument() const { return m_owner; }
+  const CXmlDocument* GetOwnerDocument() const { return m_name->owner; }
   CXmlElement* GetFirstElement() const { return m_firstChild; }
   CXmlElement* GetNextSiblingElement() const { return m_nextSibling; }
-  const std::string& GetNamespaceURI() const;
-  const std::string& GetLocalName() const { return m_localName; }
-  const std::string& GetText() const { return m_text; }
-  const std::vector<CXmlAttribute*>& GetAttributes() const { return m_attributes; }
+  const std::string& GetNamespaceURI() const { return m_name->namespaceUri; }
+  const std::string& GetLocalName() const { return m_name->localName; }
+  // The text as a string. A loaded document keeps texts packed together and
+  // makes the string on the first call (so a document must not be read from
+  // several threads at once); GetTextView needs no allocation.
+  const std::string& GetText() const;
+  // The same characters, valid until the text changes or the element goes.
+  std::string_view GetTextView() const;
+  const std::vector<CXmlAttribute*>& GetAttributes() const;
   // Value of the first attribute with exactly this name and namespace, or
   // an empty string.
   const std::string& GetAttribute(const std::string& localName, const std::string& namespaceUri) const;
+  // When the element carries xsi:type with a prefixed value ("p:T"; ":T"
+  // stands for the default namespace), the namespace that the declarations
+  // in scope at this element, as the document was read, bind the prefix to.
+  // False without xsi:type, without a colon in its value, or when no
+  // declaration in scope binds the prefix; callers then fall back to the
+  // document-wide CXmlDocument::LookupNamespaceFromAlias.
+  bool GetTypePrefixNamespace(std::string& namespaceUri) const;
 
   CXmlElement* CreateNewChildElement();
-  // Unlinks the last child and hands it to the caller; null without children.
+  // Unlinks the last child and hands it to the caller, who deletes it; null
+  // without children. Constant time. The child of a loaded document is
+  // handed over as a copy of its subtree on the heap (the original goes back
+  // to the document's storage), so it may outlive the document.
   CXmlElement* RemoveLastChildElement();
-  void SetElementName(const std::string& name) { m_localName = name; }
+  void SetElementName(const std::string& name);
   void SetNamespace(const std::string& namespaceUri);
   void AppendText(const char* text, int length);
   void AppendText(const char* text);
@@ -78,21 +112,47 @@ class KOXML_API CXmlElement {
 
  private:
   friend class CXmlDocument;
-  void Append(std::string_view text);
+  friend class CXmlDocumentStore;
 
-  const CXmlDocument* const m_owner;
+  enum Flags : uint32_t {
+    kInStore = 1u << 0,        // lives in its document's storage
+    kOwnsName = 1u << 1,       // m_name was allocated for this element alone
+    kTextString = 1u << 2,     // m_text is a std::string* owned by the element
+    kTextPending = 1u << 3,    // open in a load: its text is still being gathered
+    kTypeNamespace = 1u << 4,  // xsi:type prefix resolved in scope (see the document)
+    kOpen = 1u << 5,           // started and not yet ended in a load
+  };
+  struct InStoreTag {};
+  CXmlElement(const CXmlNodeName* sharedName, InStoreTag);
+
+  void Append(std::string_view text);
+  std::string& TextString() const;
+  CXmlDocumentStore* Store() const;
+  void SetName(std::string_view namespaceUri, std::string_view localName);
+  void ReleaseParts();
+  CXmlElement* LastChild() const { return m_firstChild ? m_firstChild->m_prevSibling : nullptr; }
+  void LinkChild(CXmlElement* child);
+  CXmlElement* UnlinkLastChild();
+  CXmlElement* CopyToHeap() const;
+
+  const CXmlNodeName* m_name;
   CXmlElement* m_nextSibling = nullptr;
   CXmlElement* m_firstChild = nullptr;
-  CXmlElement* m_lastChild = nullptr;
-  std::vector<CXmlAttribute*> m_attributes;
-  std::string m_text;
-  std::string m_localName;
-  SharedString m_namespaceUri;  // null for no namespace
+  // Previous sibling; the first child's is the last child, so that both
+  // appending and removing the last child take constant time.
+  CXmlElement* m_prevSibling = nullptr;
+  std::vector<CXmlAttribute*>* m_attributes = nullptr;
+  mutable const char* m_text = nullptr;  // packed bytes, or a std::string* with kTextString
+  mutable uint32_t m_textLength = 0;
+  mutable uint32_t m_flags = 0;
 };
 
 // The parsed tree and its loader. Byte streams and files may hold XML text
 // or Fast Infoset, either of them gzip- or zlib-compressed; strings are
 // always XML text.
+//
+// The document keeps a pointer to the serialization context it was given:
+// the context must outlive the document.
 class KOXML_API CXmlDocument {
  public:
   using ElementFilter = bool (*)(CXmlElement*);
@@ -104,8 +164,9 @@ class KOXML_API CXmlDocument {
 
   CXmlDocument();
   // The filter sees every element read from XML text once it has ended;
-  // when it returns true the element is dropped from its parent at once,
-  // so large documents can be consumed element by element.
+  // when it returns true the element is dropped from its parent at once
+  // (in constant time), so large documents can be consumed element by
+  // element in bounded memory.
   explicit CXmlDocument(ElementFilter filter);
   explicit CXmlDocument(const CXmlSerializationContext& context);
   CXmlDocument(ElementFilter filter, const CXmlSerializationContext& context);
@@ -126,7 +187,7 @@ class KOXML_API CXmlDocument {
   void Parse();
   void ParseText();
 
-  CXmlElement* GetDocumentElement() const { return m_documentElement.get(); }
+  CXmlElement* GetDocumentElement() const { return m_documentElement; }
   // Document-wide: the last declaration of the prefix anywhere in the input.
   std::string LookupNamespaceFromAlias(const char* alias) const;
 
@@ -140,25 +201,24 @@ class KOXML_API CXmlDocument {
   void AppendTextExcludingCR(CXmlElement* element, const char* text);
 
  private:
+  friend class CXmlElement;
   friend class CExpatReader;
   friend class CFastInfosetReader;
+  friend class CXmlDocumentStore;
 
-  CXmlElement* StartElement(std::string_view namespaceUri, std::string_view localName);
-  // The shared copy of a namespace URI; null for the empty one.
-  SharedString Shared(std::string_view namespaceUri);
-  void AddAttribute(CXmlElement* element, std::string_view localName, std::string_view value,
-                    std::string_view namespaceUri);
-  CXmlElement* TopElement() const { return m_openElements.empty() ? nullptr : m_openElements.back(); }
-  void PopElement() { m_openElements.pop_back(); }
-  void SetAlias(std::string prefix, std::string namespaceUri);
+  void ReleaseTree();
   void ReplaceInput(unsigned char* data, unsigned long length);
+  // Reads text straight from bytes the caller keeps during the call.
+  void ParseTextFrom(const unsigned char* data, unsigned long length);
 
-  std::unique_ptr<CXmlElement> m_documentElement;
-  std::vector<CXmlElement*> m_openElements;
+  CXmlElement* m_documentElement = nullptr;  // in the store
+  std::unique_ptr<CXmlDocumentStore> m_store;
   std::map<std::string, std::string> m_aliases;
-  std::vector<SharedString> m_namespaces;
   std::unique_ptr<unsigned char[]> m_input;
   unsigned long m_inputLength = 0;
+  // The bytes being read: the input buffer, or the caller's own bytes.
+  const unsigned char* m_source = nullptr;
+  unsigned long m_sourceLength = 0;
   SchemaType m_schemaType = SchemaTypeDefault;
   ElementFilter m_filter = nullptr;
   const CXmlSerializationContext* m_context;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "types/ThrownMessage.h"
+#include "support/ThrownMessage.h"
 
 using namespace KoXmlLib10;
 

@@ -2,6 +2,9 @@
 
 #include <KoXmlLib10.h>
 
+#include "support/ThrownMessage.h"
+#include "support/Trees.h"
+
 #include <algorithm>
 #include <functional>
 #include <initializer_list>
@@ -39,26 +42,9 @@ std::string S(const char (&octets)[N]) {
 
 const std::string kHeader = S("\xE0\x00\x00\x01\x00");  // header, no optional components
 
-std::string FailureOf(const std::function<void()>& load) {
-  try {
-    load();
-  } catch (const CKoException& e) {
-    return e.GetMessage();
-  }
-  return "";
-}
-
-void Load(CXmlDocument& doc, const std::string& bytes) {
-  try {
-    doc.LoadXmlStream(reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data())), bytes.size());
-  } catch (const CKoException& e) {
-    FAIL() << e.GetMessage();
-  }
-}
-
 std::string LoadFailure(const std::string& bytes, const CXmlSerializationContext& ctx = CXmlSerializationContext()) {
   CXmlDocument doc(ctx);
-  return FailureOf([&] {
+  return ThrownMessage<CKoException>([&] {
     doc.LoadXmlStream(reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data())), bytes.size());
   });
 }
@@ -75,13 +61,13 @@ std::string Root(const std::string& body, int elementOctet = 0x38) {
 TEST(FastInfosetReader, HeaderRecognition) {
   CXmlDocument doc;
   const std::string ax("\xE0\x00\x00\x01\x00\x38\xF0\x3C\x00\x61\x90\x78\xFF", 13);
-  Load(doc, ax);
+  ASSERT_TRUE(LoadBytes(doc, ax));
   EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "a");
   EXPECT_EQ(doc.GetDocumentElement()->GetText(), "x");
 
-  Load(doc, "<?xml encoding='finf'?>" + ax);
+  ASSERT_TRUE(LoadBytes(doc, "<?xml encoding='finf'?>" + ax));
   EXPECT_EQ(doc.GetDocumentElement()->GetText(), "x");
-  Load(doc, "<?xml version=\"1.0\"?><b/>");  // text
+  ASSERT_TRUE(LoadBytes(doc, "<?xml version=\"1.0\"?><b/>"));  // text
   EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "b");
   // Four header octets alone are not Fast Infoset: expat rejects them.
   const std::string headerOnly = LoadFailure(ax.substr(0, 4));
@@ -103,7 +89,7 @@ TEST(FastInfosetReader, NamesAttributesAndIndexes) {
   o({0x00, 0xA0, 0xE2, 0x00, 0x63, 0xC8, 0x00, 0x65, 0xE1, 0x00, 0x74, 0x00, 0x63});  // chunk 1, comment, entity, PI
   o({0xFF, 0xF0});
   CXmlDocument doc;
-  Load(doc, o.bytes);
+  ASSERT_TRUE(LoadBytes(doc, o.bytes));
   const CXmlElement* a = doc.GetDocumentElement();
   EXPECT_EQ(a->GetNamespaceURI(), "urn:x");
   ASSERT_EQ(a->GetAttributes().size(), 3u);
@@ -124,14 +110,14 @@ TEST(FastInfosetReader, NamesAttributesAndIndexes) {
 TEST(FastInfosetReader, AlphabetsAndAlgorithms) {
   CXmlDocument doc;
   // Numeric alphabet, four bits a character: "12.5" and "-3" padded with F.
-  Load(doc, Root(S("\x88\x01\x12\xC5\x88\x00\xA3\xFF")));
+  ASSERT_TRUE(LoadBytes(doc, Root(S("\x88\x01\x12\xC5\x88\x00\xA3\xFF"))));
   EXPECT_EQ(doc.GetDocumentElement()->GetText(), "12.5-3");
-  Load(doc, Root(S("\x8C\x26\x00" "a<b\xFF")));  // the cdata algorithm is UTF-8 text
+  ASSERT_TRUE(LoadBytes(doc, Root(S("\x8C\x26\x00" "a<b\xFF"))));  // the cdata algorithm is UTF-8 text
   EXPECT_EQ(doc.GetDocumentElement()->GetText(), "a<b");
   // int values "1 2" and boolean "true" as chunks; int 42 as an attribute value.
-  Load(doc, Root(S("\x8C\x0E\x05\x00\x00\x00\x01\x00\x00\x00\x02\x8C\x14\x38\xFF")));
+  ASSERT_TRUE(LoadBytes(doc, Root(S("\x8C\x0E\x05\x00\x00\x00\x01\x00\x00\x00\x02\x8C\x14\x38\xFF"))));
   EXPECT_EQ(doc.GetDocumentElement()->GetText(), "1 2true");
-  Load(doc, Root(S("\x78\x00\x76\x30\x33\x00\x00\x00\x2A\xFF"), 0x78));
+  ASSERT_TRUE(LoadBytes(doc, Root(S("\x78\x00\x76\x30\x33\x00\x00\x00\x2A\xFF"), 0x78)));
   EXPECT_EQ(doc.GetDocumentElement()->GetAttribute("v", ""), "42");
   EXPECT_EQ(LoadFailure(Root(S("\x8C\x28\x00\xFF"))), "Unknown byte encoding.");  // algorithm 11
   EXPECT_EQ(LoadFailure(Root(S("\x8C\x0E\x03\x00\x00\x00\x01\x00\x00\xFF"))),
@@ -149,15 +135,15 @@ TEST(FastInfosetReader, AlphabetsAndAlgorithms) {
   alphabets.push_back("x");                                   // 7: too short
   CXmlDocument custom(ctx);
   // "Bad" = 1, 26, 29 in six bits, then the all-ones padding.
-  Load(custom, Root(S("\x88\x0A\x00\x05\xA7\x7F\xFF")));
+  ASSERT_TRUE(LoadBytes(custom, Root(S("\x88\x0A\x00\x05\xA7\x7F\xFF"))));
   EXPECT_EQ(custom.GetDocumentElement()->GetText(), "Bad");
   // "eab" = 4, 0, 1 in three bits (9 bits, padded with ones): 100 000 001 1111111.
-  Load(custom, Root(std::string("\x88\x0D\x80\xFF\xFF", 5)));
+  ASSERT_TRUE(LoadBytes(custom, Root(std::string("\x88\x0D\x80\xFF\xFF", 5))));
   EXPECT_EQ(custom.GetDocumentElement()->GetText(), "eab");
   // "zyx" = 2, 1, 0 in two bits, then 11: 10 01 00 11.
-  Load(custom, Root("\x88\x10\x93\xFF"));
+  ASSERT_TRUE(LoadBytes(custom, Root("\x88\x10\x93\xFF")));
   EXPECT_EQ(custom.GetDocumentElement()->GetText(), "zyx");
-  Load(custom, Root(std::string("\x88\x15\x00\x01\xFF", 5)));  // eight bits: indices 0 and 1
+  ASSERT_TRUE(LoadBytes(custom, Root(std::string("\x88\x15\x00\x01\xFF", 5))));  // eight bits: indices 0 and 1
   EXPECT_EQ(custom.GetDocumentElement()->GetText(), "AB");
   EXPECT_EQ(LoadFailure(Root("\x88\x0C\xBF\xFF"), ctx),  // three bits: 101 is beyond "abcde"
             "Failed to parse FastInfoset. Invalid character index for Restricted Alphabet.");
@@ -222,7 +208,7 @@ TEST(FastInfosetReader, IndexesAtEveryRangeBoundary) {
   const std::string body(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
 
   CXmlDocument doc(ctx);
-  Load(doc, Root(body, 0x78));
+  ASSERT_TRUE(LoadBytes(doc, Root(body, 0x78)));
   const CXmlElement* root = doc.GetDocumentElement();
   ASSERT_NE(root, nullptr);
   std::string seen;
@@ -254,7 +240,7 @@ TEST(FastInfosetReader, ComponentsReadPast) {
   o({0x38, 0xF0, 0x3C}).Literal(0x00, "a")({0xCB}).Literal(0x00, "e").Literal(0x00, "s").Literal(0x00, "p");
   o({0xF0, 0xE2}).Literal(0x00, "after")({0xF0});
   CXmlDocument doc;
-  Load(doc, o.bytes);
+  ASSERT_TRUE(LoadBytes(doc, o.bytes));
   EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "a");
   EXPECT_EQ(doc.GetDocumentElement()->GetText(), "");
 
@@ -273,7 +259,7 @@ TEST(FastInfosetReader, NamesWhosePartsNoLongerFitKeepTheirIndex) {
   // <a><b/><a/><b/></a>: the literal names are element names 1 and 2 although
   // their local names find no room.
   CXmlDocument doc(ctx);
-  Load(doc, Root(S("\x3C\x00\x62\xF0\x00\xF0\x01\xF0\xFF")));
+  ASSERT_TRUE(LoadBytes(doc, Root(S("\x3C\x00\x62\xF0\x00\xF0\x01\xF0\xFF"))));
   std::string names = doc.GetDocumentElement()->GetLocalName();
   for (const CXmlElement* e = doc.GetDocumentElement()->GetFirstElement(); e; e = e->GetNextSiblingElement())
     names += " " + e->GetLocalName();
@@ -313,8 +299,125 @@ TEST(FastInfosetReader, DeepNesting) {
   const std::string deepest = Root(std::string(CXmlDocument::MAX_ELEMENT_DEPTH - 1, '\x00') +
                                    std::string(CXmlDocument::MAX_ELEMENT_DEPTH / 2, '\xFF'));
   CXmlDocument doc;
-  Load(doc, deepest);
+  ASSERT_TRUE(LoadBytes(doc, deepest));
   size_t depth = 0;
   for (const CXmlElement* e = doc.GetDocumentElement(); e; e = e->GetFirstElement()) ++depth;
   EXPECT_EQ(depth, CXmlDocument::MAX_ELEMENT_DEPTH);
+}
+
+namespace {
+
+// One child of the xsi:type document: its declarations, its xsi:type value
+// (none when empty) and the namespace its prefix must resolve to ("" when
+// GetTypePrefixNamespace must answer false).
+struct TypedChild {
+  std::vector<std::pair<std::string, std::string>> declarations;  // prefix ("" for default), URI
+  std::string type;
+  std::string expected;
+};
+
+const char kXsiUri[] = "http://www.w3.org/2001/XMLSchema-instance";
+
+const std::vector<TypedChild>& TypedChildren() {
+  static const std::vector<TypedChild> children = {
+      {{}, "a:T", "urn:a"},                      // declared on the root
+      {{{"b", "urn:b"}}, "b:T", "urn:b"},        // declared on the element itself
+      {{{"p", "urn:p1"}}, "p:T", "urn:p1"},      // two siblings rebinding p
+      {{{"p", "urn:p2"}}, "p:T", "urn:p2"},
+      {{}, "p:T", ""},                           // p is out of scope here
+      {{}, "q:T", ""},                           // never declared
+      {{}, "", ""},                              // no xsi:type
+      {{}, "T", ""},                             // no prefix
+      {{}, "a:b:c", "urn:a"},                    // the prefix ends at the first colon
+      {{{"", "urn:d"}}, ":T", "urn:d"},          // the empty prefix is the default namespace
+      {{}, ":T", ""},                            // and no default is in scope here
+  };
+  return children;
+}
+
+std::string TypedText() {
+  std::string xml = std::string("<r xmlns:a=\"urn:a\" xmlns:xsi=\"") + kXsiUri + "\">";
+  for (size_t i = 0; i < TypedChildren().size(); ++i) {
+    const TypedChild& child = TypedChildren()[i];
+    xml += "<c" + std::to_string(i);
+    for (const auto& [prefix, uri] : child.declarations)
+      xml += (prefix.empty() ? std::string(" xmlns") : " xmlns:" + prefix) + "=\"" + uri + "\"";
+    if (!child.type.empty()) xml += " xsi:type=\"" + child.type + "\"";
+    xml += "/>";
+  }
+  return xml + "</r>";
+}
+
+// The same document in Fast Infoset, every name and string a literal.
+std::string TypedFastInfoset() {
+  auto element = [](Octets& o, const std::vector<std::pair<std::string, std::string>>& declarations,
+                    const std::string& name, const std::string& type) {
+    const int attributes = type.empty() ? 0 : 0x40;
+    std::string defaultNamespace;  // an element under a default declaration is in that namespace
+    for (const auto& [prefix, uri] : declarations)
+      if (prefix.empty()) defaultNamespace = uri;
+    const int nameOctet = defaultNamespace.empty() ? 0x3C : 0x3D;
+    if (declarations.empty()) {
+      o({0x3C | attributes});
+    } else {
+      o({0x38 | attributes});
+      for (const auto& [prefix, uri] : declarations) {
+        if (prefix.empty()) {
+          o({0xCD}).Literal(0x00, uri);
+        } else {
+          o({0xCF}).Literal(0x00, prefix).Literal(0x00, uri);
+        }
+      }
+      o({0xF0, nameOctet});
+    }
+    if (!defaultNamespace.empty()) o.Literal(0x00, defaultNamespace);
+    o.Literal(0x00, name);
+    if (!type.empty()) {
+      o({0x7B}).Literal(0x00, "xsi").Literal(0x00, kXsiUri).Literal(0x00, "type");
+      o.Literal(0x00, type)({0xF0});
+    }
+  };
+  Octets o;
+  o(kHeader);
+  element(o, {{"a", "urn:a"}, {"xsi", kXsiUri}}, "r", "");
+  for (size_t i = 0; i < TypedChildren().size(); ++i) {
+    const TypedChild& child = TypedChildren()[i];
+    element(o, child.declarations, "c" + std::to_string(i), child.type);
+    o({0xF0});
+  }
+  o({0xF0});
+  return o.bytes;
+}
+
+void ExpectTypePrefixes(const CXmlDocument& doc) {
+  const CXmlElement* child = doc.GetDocumentElement()->GetFirstElement();
+  for (const TypedChild& expected : TypedChildren()) {
+    ASSERT_NE(child, nullptr);
+    std::string uri = "untouched";
+    const bool bound = child->GetTypePrefixNamespace(uri);
+    EXPECT_EQ(bound, !expected.expected.empty()) << child->GetLocalName() << " " << expected.type;
+    EXPECT_EQ(uri, bound ? expected.expected : std::string("untouched")) << child->GetLocalName();
+    child = child->GetNextSiblingElement();
+  }
+  EXPECT_EQ(child, nullptr);
+  // The document-wide map keeps its meaning: the last declaration of p.
+  EXPECT_EQ(doc.LookupNamespaceFromAlias("p"), "urn:p2");
+}
+
+}  // namespace
+
+TEST(FastInfosetReader, TypePrefixesResolvedInScopeLikeText) {
+  CXmlDocument text, binary;
+  ASSERT_TRUE(LoadText(text, TypedText()));
+  ASSERT_TRUE(LoadBytes(binary, TypedFastInfoset()));
+  EXPECT_EQ(Mismatch(Dump(text.GetDocumentElement()), Dump(binary.GetDocumentElement())), "");
+  ExpectTypePrefixes(text);
+  ExpectTypePrefixes(binary);
+}
+
+TEST(FastInfosetReader, FailedLoadIsReportedNotDereferenced) {
+  CXmlDocument doc;
+  const ::testing::AssertionResult result = LoadBytes(doc, kHeader + "\xF0");
+  EXPECT_FALSE(result);
+  EXPECT_NE(std::string(result.message()).find("The document has no element."), std::string::npos) << result.message();
 }

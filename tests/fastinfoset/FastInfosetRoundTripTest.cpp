@@ -4,6 +4,8 @@
 
 #include <KoXmlLib10.h>
 
+#include "support/Trees.h"
+
 #include <algorithm>
 #include <functional>
 #include <string>
@@ -37,54 +39,18 @@ CBinaryData WriteFastInfoset(const Script& script, const CFastInfosetContext& co
   return stream.GetBinaryStream();
 }
 
-// The whole tree as one string, depth first, for comparison.
-std::string Dump(const CXmlElement* root) {
-  std::string out;
-  std::vector<const CXmlElement*> pending{root};
-  while (!pending.empty()) {
-    const CXmlElement* e = pending.back();
-    pending.pop_back();
-    if (!e) {
-      out += ")";
-      continue;
-    }
-    out += "(" + e->GetLocalName() + "{" + e->GetNamespaceURI() + "}";
-    for (const CXmlAttribute* a : e->GetAttributes())
-      out += " " + a->GetLocalName() + "{" + a->GetNamespaceURI() + "}=" + a->GetValue();
-    out += "[" + e->GetText() + "]";
-    pending.push_back(nullptr);
-    std::vector<const CXmlElement*> children;
-    for (const CXmlElement* c = e->GetFirstElement(); c; c = c->GetNextSiblingElement()) children.push_back(c);
-    pending.insert(pending.end(), children.rbegin(), children.rend());
-  }
-  return out;
-}
-
-// Where two dumps part, with a little context; empty when they are equal.
-std::string Mismatch(const std::string& a, const std::string& b) {
-  if (a == b) return "";
-  const size_t at = std::mismatch(a.begin(), a.begin() + std::min(a.size(), b.size()), b.begin()).first - a.begin();
-  const size_t from = at < 40 ? 0 : at - 40;
-  return a.substr(from, 80) + "\n" + b.substr(from, 80);
-}
-
 // Loads both forms (the binary one also zlib-compressed) and compares them.
 void ExpectSameTrees(const Script& script, const CFastInfosetContext& fi = CFastInfosetContext(),
                      FInfoDecl decl = FInfoDeclNone) {
   CXmlSerializationContext context;
   context.GetFIContext() = fi;
   CXmlDocument text(context), binary(context), packed(context);
-  try {
-    text.LoadXml(WriteText(script).c_str());
-    CBinaryData bytes = WriteFastInfoset(script, fi, decl);
-    binary.LoadXmlStream(bytes.GetData(), bytes.GetLength());
-    CKoZip::CompressData(bytes, CompressionTypeZlib);
-    packed.LoadXmlStream(bytes.GetData(), bytes.GetLength());
-  } catch (const CKoException& e) {
-    FAIL() << e.GetFullMessage();
-  }
-  ASSERT_NE(text.GetDocumentElement(), nullptr);
-  ASSERT_NE(binary.GetDocumentElement(), nullptr);
+  ASSERT_TRUE(LoadText(text, WriteText(script)));
+  CBinaryData bytes = WriteFastInfoset(script, fi, decl);
+  const std::string octets(reinterpret_cast<const char*>(bytes.GetData()), bytes.GetLength());
+  ASSERT_TRUE(LoadBytes(binary, octets));
+  CKoZip::CompressData(bytes, CompressionTypeZlib);
+  ASSERT_TRUE(LoadBytes(packed, std::string(reinterpret_cast<const char*>(bytes.GetData()), bytes.GetLength())));
   const std::string expected = Dump(text.GetDocumentElement());
   EXPECT_EQ(Mismatch(expected, Dump(binary.GetDocumentElement())), "");
   EXPECT_EQ(Mismatch(expected, Dump(packed.GetDocumentElement())), "");

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string>
 
-#include "types/ThrownMessage.h"
+#include "support/ThrownMessage.h"
 
 using namespace KoXmlLib10;
 

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "types/ThrownMessage.h"
+#include "support/ThrownMessage.h"
 
 using namespace KoXmlLib10;
 

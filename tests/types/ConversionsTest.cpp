@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "types/ThrownMessage.h"
+#include "support/ThrownMessage.h"
 
 using namespace KoXmlLib10;
 

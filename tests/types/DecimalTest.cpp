@@ -4,7 +4,7 @@
 
 #include <KoXmlLib10.h>
 
-#include "types/ThrownMessage.h"
+#include "support/ThrownMessage.h"
 
 using namespace KoXmlLib10;
 

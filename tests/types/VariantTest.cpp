@@ -5,7 +5,7 @@
 #include <cmath>
 #include <string>
 
-#include "types/ThrownMessage.h"
+#include "support/ThrownMessage.h"
 
 using namespace KoXmlLib10;
 

@@ -2,6 +2,8 @@
 
 #include <KoXmlLib10.h>
 
+#include "support/Trees.h"
+
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -228,4 +230,119 @@ TEST(XmlDocument, EntityExpansionIsBounded) {
   EXPECT_EQ(message.rfind("limit on input amplification factor", 0), 0u) << message;
   EXPECT_NE(message.find(" at line "), std::string::npos) << message;
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+namespace {
+
+int g_filterCalls = 0;
+std::string g_filterTexts;
+
+// Drops every other child of the root, reading each one first.
+bool DropEveryOtherChild(CXmlElement* element) {
+  if (element->GetLocalName() != "c") return false;
+  g_filterTexts += element->GetText();
+  return g_filterCalls++ % 2 == 1;
+}
+
+}  // namespace
+
+TEST(XmlDocument, FilterDroppingEveryOtherOfManyChildren) {
+  constexpr int kChildren = 50000;
+  std::string xml = "<r>";
+  for (int i = 0; i < kChildren; ++i)
+    xml += "<c i=\"" + std::to_string(i) + "\">" + std::to_string(i) + "<g/></c>" + (i % 1000 == 0 ? " " : "");
+  xml += "<last/></r>";
+  g_filterCalls = 0;
+  g_filterTexts.clear();
+  CXmlDocument doc(DropEveryOtherChild);
+  ASSERT_TRUE(LoadText(doc, xml));
+  EXPECT_EQ(g_filterCalls, kChildren);
+  EXPECT_EQ(g_filterTexts.substr(0, 5), "01234");
+
+  // What the walking algorithm leaves: the even children, in order, each
+  // with its own subtree, then the element after them.
+  int expected = 0;
+  const CXmlElement* child = doc.GetDocumentElement()->GetFirstElement();
+  for (; child && child->GetLocalName() == "c"; child = child->GetNextSiblingElement(), expected += 2) {
+    ASSERT_EQ(child->GetAttribute("i", ""), std::to_string(expected));
+    ASSERT_EQ(child->GetText(), std::to_string(expected));
+    ASSERT_NE(child->GetFirstElement(), nullptr);
+    ASSERT_EQ(child->GetFirstElement()->GetLocalName(), "g");
+  }
+  EXPECT_EQ(expected, kChildren);
+  ASSERT_NE(child, nullptr);
+  EXPECT_EQ(child->GetLocalName(), "last");
+  EXPECT_EQ(child->GetNextSiblingElement(), nullptr);
+  EXPECT_EQ(doc.GetDocumentElement()->GetText(), std::string(kChildren / 1000, ' '));
+}
+
+TEST(XmlDocument, RemovedChildOfALoadedTreeIsTheCallersAndOutlivesTheDocument) {
+  std::unique_ptr<CXmlElement> removed;
+  {
+    CXmlDocument doc;
+    ASSERT_TRUE(LoadText(doc, "<r xmlns:p=\"urn:p\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">"
+                              "<a/><b x=\"1\" p:y=\"2\" xsi:type=\"p:T\">text<c>inner</c>tail</b></r>"));
+    CXmlElement* root = doc.GetDocumentElement();
+    removed.reset(root->RemoveLastChildElement());
+    ASSERT_NE(removed, nullptr);
+    EXPECT_EQ(Dump(root), "(r{}[](a{}[]))");
+    // The list stays consistent: a new child follows the one left.
+    CXmlElement* added = root->CreateNewChildElement();
+    added->SetElementName("z");
+    added->SetNamespace("urn:z");
+    added->AppendText("new");
+    added->AddAttribute("k", "v", "");
+    EXPECT_EQ(Dump(root), "(r{}[](a{}[])(z{urn:z} k{}=v[new]))");
+    delete root->RemoveLastChildElement();
+    delete root->RemoveLastChildElement();
+    EXPECT_EQ(root->RemoveLastChildElement(), nullptr);
+  }
+  EXPECT_EQ(Dump(removed.get()),
+            "(b{} x{}=1 y{urn:p}=2 type{http://www.w3.org/2001/XMLSchema-instance}=p:T[texttail](c{}[inner]))");
+  std::string uri;
+  EXPECT_TRUE(removed->GetTypePrefixNamespace(uri));
+  EXPECT_EQ(uri, "urn:p");
+  // It can still be changed and extended as any heap element.
+  removed->AppendText("!");
+  removed->CreateNewChildElement()->SetElementName("d");
+  EXPECT_EQ(removed->GetText(), "texttail!");
+  EXPECT_EQ(removed->GetFirstElement()->GetNextSiblingElement()->GetLocalName(), "d");
+}
+
+TEST(XmlDocument, TextsAcrossReadPiecesAndChangesAfterLoading) {
+  // Longer than a piece handed to the parser, with carriage returns from
+  // character references along the way.
+  std::string body;
+  for (int i = 0; i < 30000; ++i) body += "ab&#13;cd";
+  CXmlDocument doc;
+  ASSERT_TRUE(LoadText(doc, "<r>" + body + "<c/>" + body + "</r>"));
+  const CXmlElement* root = doc.GetDocumentElement();
+  std::string expected;
+  for (int i = 0; i < 60000; ++i) expected += "abcd";
+  EXPECT_EQ(root->GetTextView(), expected);
+  EXPECT_EQ(root->GetText(), expected);
+  EXPECT_EQ(&root->GetText(), &root->GetText());  // one string, kept
+
+  CXmlElement* child = root->GetFirstElement();
+  EXPECT_EQ(child->GetText(), "");
+  EXPECT_EQ(child->GetTextView(), "");
+  child->AppendText("x", 1);
+  child->AppendText("y");
+  EXPECT_EQ(child->GetText(), "xy");
+  EXPECT_EQ(child->GetAttributes().size(), 0u);
+
+  // Names set after loading are the element's alone.
+  child->SetElementName("renamed");
+  EXPECT_EQ(child->GetLocalName(), "renamed");
+  EXPECT_EQ(root->GetLocalName(), "r");
+}
+
+TEST(XmlDocument, TypePrefixWithoutNamespaceProcessing) {
+  CXmlSerializationContext ctx;
+  ctx.SetSchemaType(SchemaTypeNoNamespaces);
+  CXmlDocument doc(ctx);
+  ASSERT_TRUE(LoadText(doc, "<r xmlns:p=\"urn:p\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
+                            "xsi:type=\"p:T\"/>"));
+  std::string uri;
+  EXPECT_FALSE(doc.GetDocumentElement()->GetTypePrefixNamespace(uri));  // no xsi:type in the namespace sense
 }

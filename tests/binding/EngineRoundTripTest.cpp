@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+
+#include "KoXmlLib10/FastInfosetWriter.h"
+#include "KoXmlLib10/XmlDocument.h"
+#include "support/TestModel.h"
+#include "support/Throws.h"
+
+using namespace testmodel;
+
+namespace {
+
+CSmartPtr<CTeam> SampleTeam() {
+  CSmartPtr<CTeam> team(new CTeam());
+  team->title = "Blue & <Gold>";
+  team->meta->rev = 7;
+  team->meta->comment = "first";
+  CSmartPtr<CPerson> leader(new CPerson());
+  leader->SetElementName("leader");
+  leader->id = 42;
+  leader->lang = "en";
+  leader->name = "Ada";
+  leader->age = 36;
+  leader->tags = "a,b,c";
+  CSmartPtr<CAddress> address(new CAddress());
+  address->street = "1 Main St";
+  address->zip = 12345;
+  address->kind = "home";
+  leader->address = address;
+  team->leader = leader;
+  CSmartPtr<CShape> shape(new CShape());
+  shape->label = "round";
+  team->shape = shape;
+  return team;
+}
+
+const CXmlSerializationContext& Default() { return CXmlSerializationContext::m_defaultContext; }
+
+std::string Text(const CXmlObjectBase& object) { return object.ToXml(false, false, EOLTypeLF, Default()); }
+
+const char kSampleText[] =
+    "<AA:team xmlns:AA=\"urn:test\" title=\"Blue &amp; &lt;Gold&gt;\" rev=\"7\">"
+    "<AA:leader xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" AB:type=\"AA:person\" id=\"42\" lang=\"en\">"
+    "<AA:name>Ada</AA:name><AA:age>36</AA:age>"
+    "<AA:address kind=\"home\"><AA:street>1 Main St</AA:street><AA:zip>12345</AA:zip></AA:address>"
+    "<AA:tag>a</AA:tag><AA:tag>b</AA:tag><AA:tag>c</AA:tag></AA:leader>"
+    "<AA:comment>first</AA:comment><AA:shape><AA:label>round</AA:label></AA:shape></AA:team>";
+
+void ExpectSample(const CTeam& team) {
+  EXPECT_EQ(team.GetElementName(), "team");
+  EXPECT_EQ(team.title, "Blue & <Gold>");
+  EXPECT_EQ(team.meta->rev, 7);
+  EXPECT_EQ(team.meta->comment, "first");
+  ASSERT_TRUE(team.leader);
+  EXPECT_EQ(team.leader->GetElementName(), "leader");
+  EXPECT_EQ(team.leader->id, 42);
+  EXPECT_EQ(team.leader->lang, "en");
+  EXPECT_EQ(team.leader->name, "Ada");
+  EXPECT_EQ(team.leader->age, 36);
+  EXPECT_EQ(team.leader->tags, "a,b,c");
+  ASSERT_TRUE(team.leader->address);
+  EXPECT_EQ(team.leader->address->street, "1 Main St");
+  EXPECT_FALSE(team.leader->address->city);
+  EXPECT_EQ(team.leader->address->zip, 12345);
+  EXPECT_EQ(team.leader->address->kind, "home");
+  ASSERT_TRUE(team.shape);
+  EXPECT_EQ(team.shape->label, "round");
+  EXPECT_FALSE(team.shape->radius);
+}
+
+TEST(EngineRoundTrip, TextOfTheSample) { EXPECT_EQ(Text(*SampleTeam()), kSampleText); }
+
+TEST(EngineRoundTrip, FromTextNarrowAndWide) {
+  CSmartPtr<CTeam> team(new CTeam());
+  team->FromXml(kSampleText, Default());
+  ExpectSample(*team);
+  EXPECT_EQ(Text(*team), kSampleText);
+
+  const std::string narrow = kSampleText;
+  const std::wstring wide(narrow.begin(), narrow.end());
+  CSmartPtr<CTeam> again(new CTeam());
+  again->FromXml(wide.c_str(), Default());
+  ExpectSample(*again);
+}
+
+// Every writer and every framing reads back into the same object.
+struct Format {
+  const char* name;
+  CBinaryData (*write)(const CXmlObjectBase&);
+};
+
+const Format kFormats[] = {
+    {"utf8", [](const CXmlObjectBase& o) {
+       return o.ToXmlStream(true, true, XmlEncoding_UTF8, EOLTypeLF, Default(), CompressionTypeNone);
+     }},
+    {"utf16", [](const CXmlObjectBase& o) {
+       return o.ToXmlStream(true, false, XmlEncoding_UTF16, EOLTypeCRLF, Default(), CompressionTypeNone);
+     }},
+    {"utf8 gzip", [](const CXmlObjectBase& o) {
+       return o.ToXmlStream(true, true, XmlEncoding_UTF8, EOLTypeLF, Default(), CompressionTypeGzip);
+     }},
+    {"utf8 zlib", [](const CXmlObjectBase& o) {
+       return o.ToXmlStream(false, false, XmlEncoding_UTF8, EOLTypeLF, Default(), CompressionTypeZlib);
+     }},
+    {"fast infoset", [](const CXmlObjectBase& o) { return o.ToFastInfosetStream(FInfoDeclNone, Default(), CompressionTypeNone); }},
+    {"fast infoset with declaration",
+     [](const CXmlObjectBase& o) { return o.ToFastInfosetStream(FInfoDeclFinf, Default(), CompressionTypeNone); }},
+    {"fast infoset gzip", [](const CXmlObjectBase& o) { return o.ToFastInfosetStream(FInfoDeclNone, Default(), CompressionTypeGzip); }},
+    {"fast infoset zlib", [](const CXmlObjectBase& o) { return o.ToFastInfosetStream(FInfoDeclNone, Default(), CompressionTypeZlib); }},
+};
+
+TEST(EngineRoundTrip, EveryWriterAndFramingReadsBack) {
+  CSmartPtr<CTeam> sample = SampleTeam();
+  for (const Format& format : kFormats) {
+    SCOPED_TRACE(format.name);
+    CBinaryData bytes = format.write(*sample);
+    ASSERT_GT(bytes.GetLength(), 0u);
+    CSmartPtr<CTeam> viaBuffer(new CTeam());
+    viaBuffer->FromXmlStream(bytes, Default());
+    ExpectSample(*viaBuffer);
+    EXPECT_EQ(Text(*viaBuffer), kSampleText);
+
+    CSmartPtr<CTeam> viaPointer(new CTeam());
+    viaPointer->FromXmlStream(bytes.GetData(), bytes.GetLength(), Default());
+    EXPECT_EQ(Text(*viaPointer), kSampleText);
+  }
+}
+
+TEST(EngineRoundTrip, FromAParsedElement) {
+  CXmlDocument document;
+  document.LoadXml(kSampleText);
+  CSmartPtr<CTeam> team(new CTeam());
+  team->FromXmlElement(document.GetDocumentElement(), Default());
+  ExpectSample(*team);
+  // Any element of a tree will do, not only the document element.
+  CSmartPtr<CPerson> leader(new CPerson());
+  leader->FromXmlElement(document.GetDocumentElement()->GetFirstElement(), Default());
+  EXPECT_EQ(leader->GetElementName(), "leader");
+  EXPECT_EQ(leader->tags, "a,b,c");
+}
+
+}  // namespace

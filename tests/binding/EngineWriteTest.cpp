@@ -1,0 +1,287 @@
+#include <gtest/gtest.h>
+
+#include "KoXmlLib10/Untyped.h"
+#include "KoXmlLib10/XmlDocument.h"
+#include "support/TestModel.h"
+#include "support/TestRecords.h"
+#include "support/Throws.h"
+
+using namespace testmodel;
+using testsupport::Throws;
+using testsupport::ThrowsFull;
+
+namespace {
+
+const CXmlSerializationContext& Default() { return CXmlSerializationContext::m_defaultContext; }
+
+std::string Text(const CXmlObjectBase& object, const CXmlSerializationContext& ctx = Default()) {
+  return object.ToXml(false, false, EOLTypeLF, ctx);
+}
+
+CSmartPtr<CPerson> Person() {
+  CSmartPtr<CPerson> person(new CPerson());
+  person->id = 1;
+  person->name = "Ada";
+  return person;
+}
+
+size_t Find(const std::string& text, const std::string& part) {
+  const size_t at = text.find(part);
+  EXPECT_NE(at, std::string::npos) << part << " is missing from " << text;
+  return at;
+}
+
+TEST(EngineWrite, RootOutputComesInItsOrder) {
+  CXmlSerializationContext ctx;
+  ctx.GetProcessingInstructions().push_back("<?first one?>");
+  ctx.GetProcessingInstructions().push_back("<?second two?>");
+  ctx.GetNamespaceAliases().Add("zz", "urn:b");
+  ctx.GetNamespaceAliases().Add("yy", "urn:a");
+  ctx.SetDefaultNamespaceURI("urn:d");
+  ctx.SetInLineSchema("<schema-here/>");
+  ctx.GetAdditionalRootAttributes()->Add("extra", "e");
+  CSmartPtr<CPerson> person = Person();
+  person->SetElementName("boss");  // differs from the type name
+  person->lang = "en";
+  const std::string text = Text(*person, ctx);
+
+  const size_t first = Find(text, "<?first one?>");
+  const size_t second = Find(text, "<?second two?>");
+  const size_t start = Find(text, "<AA:boss ");
+  const size_t aliasA = Find(text, "xmlns:yy=\"urn:a\"");
+  const size_t aliasB = Find(text, "xmlns:zz=\"urn:b\"");
+  const size_t defaultNs = Find(text, "xmlns=\"urn:d\"");
+  const size_t extra = Find(text, "extra=\"e\"");
+  const size_t type = Find(text, ":type=\"AA:person\"");
+  const size_t id = Find(text, "id=\"1\"");
+  const size_t lang = Find(text, "lang=\"en\"");
+  const size_t schema = Find(text, "<schema-here/>");
+  const size_t name = Find(text, "<AA:name>Ada</AA:name>");
+  EXPECT_LT(first, second);
+  EXPECT_LT(second, start);
+  EXPECT_LT(start, aliasA);
+  EXPECT_LT(aliasA, aliasB);  // declarations in namespace order, not in the order added
+  EXPECT_LT(aliasB, extra);
+  EXPECT_LT(defaultNs, extra);
+  EXPECT_LT(extra, type);  // the caller's extra attributes come first
+  EXPECT_LT(type, id);
+  EXPECT_LT(id, lang);
+  EXPECT_LT(lang, schema);
+  EXPECT_LT(schema, name);
+}
+
+TEST(EngineWrite, NamespaceWithoutAliasIsNotDeclared) {
+  CXmlSerializationContext ctx;
+  ctx.GetNamespaceAliases().Add("k", "urn:known");
+  // Asking for an unknown namespace leaves an entry with an empty alias.
+  EXPECT_EQ(ctx.GetNamespaceAliases().GetAliasFromNamespace("urn:unknown"), "");
+  ASSERT_EQ(ctx.GetNamespaceAliases().GetNamespaceCount(), 2);
+  const std::string text = Text(*Person(), ctx);
+  EXPECT_EQ(text,
+            "<AA:person xmlns:AA=\"urn:test\" xmlns:k=\"urn:known\" id=\"1\"><AA:name>Ada</AA:name></AA:person>");
+  EXPECT_EQ(text.find("xmlns:="), std::string::npos);
+  // The text still reads back, through both writers.
+  CSmartPtr<CPerson> back(new CPerson());
+  back->FromXml(text.c_str(), Default());
+  EXPECT_EQ(back->name, "Ada");
+  back->FromXmlStream(Person()->ToFastInfosetStream(FInfoDeclNone, ctx, CompressionTypeNone), Default());
+  EXPECT_EQ(back->name, "Ada");
+}
+
+TEST(EngineWrite, RootExtrasOnlyOnTheRoot) {
+  CXmlSerializationContext ctx;
+  ctx.GetAdditionalRootAttributes()->Add("extra", "e", "urn:x");
+  ctx.GetProcessingInstructions().push_back("<?once?>");
+  ctx.SetInLineSchema("<schema-once/>");
+  CSmartPtr<CTeam> team(new CTeam());
+  team->leader = Person();
+  team->leader->SetElementName("leader");
+  const std::string text = Text(*team, ctx);
+  EXPECT_EQ(text.find("<?once?>"), text.rfind("<?once?>"));
+  EXPECT_EQ(text.find("<schema-once/>"), text.rfind("<schema-once/>"));
+  EXPECT_EQ(text.find("extra=\"e\""), text.rfind("extra=\"e\""));
+  // The root's class lets the extra attribute through; the schema is an
+  // element it does not know.
+  CXmlSerializationContext reading;
+  reading.SetIgnoreUnknownElements(true);
+  CSmartPtr<CTeam> back(new CTeam());
+  back->FromXml(text.c_str(), reading);
+  ASSERT_TRUE(back->leader);
+  EXPECT_EQ(back->leader->name, "Ada");
+}
+
+TEST(EngineWrite, TypeAttributeOnlyWhereTheNameDiffersFromTheType) {
+  // The root is named as its type: no xsi:type.
+  EXPECT_EQ(Text(*Person()), "<AA:person xmlns:AA=\"urn:test\" id=\"1\"><AA:name>Ada</AA:name></AA:person>");
+  CSmartPtr<CPerson> renamed = Person();
+  renamed->SetElementName("boss");
+  EXPECT_NE(Text(*renamed).find("type=\"AA:person\""), std::string::npos);
+  CXmlSerializationContext noTypes;
+  noTypes.SetWriteTypeAttribute(false);
+  EXPECT_EQ(Text(*renamed, noTypes), "<AA:boss xmlns:AA=\"urn:test\" id=\"1\"><AA:name>Ada</AA:name></AA:boss>");
+  // A class that does not ask for it never gets one.
+  CSmartPtr<CAddress> address(new CAddress());
+  address->SetElementName("home");
+  address->street = "x";
+  EXPECT_EQ(Text(*address), "<AA:home xmlns:AA=\"urn:test\"><AA:street>x</AA:street></AA:home>");
+}
+
+TEST(EngineWrite, NilObjectWritesItsAttributesAndNoContent) {
+  CSmartPtr<CAddress> address(new CAddress());
+  address->street = "1 Main St";
+  address->kind = "home";
+  address->SetNil(true);
+  EXPECT_EQ(Text(*address),
+            "<AA:address xmlns:AA=\"urn:test\" kind=\"home\" "
+            "xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" AB:nil=\"true\"/>");
+}
+
+TEST(EngineWrite, SimpleContent) {
+  CSmartPtr<CPrice> price(new CPrice());
+  price->currency = "EUR";
+  EXPECT_EQ(Text(*price), "<AA:price xmlns:AA=\"urn:test\" currency=\"EUR\"/>");  // unset: no text
+  price->value.SetDecimal(CDecimal("12.25"));
+  EXPECT_EQ(Text(*price), "<AA:price xmlns:AA=\"urn:test\" currency=\"EUR\">12.25</AA:price>");
+  price->value.SetNil();
+  EXPECT_EQ(Text(*price),
+            "<AA:price xmlns:AA=\"urn:test\" currency=\"EUR\" "
+            "xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" AB:nil=\"true\"/>");
+}
+
+TEST(EngineWrite, PseudoChildAttributesFollowTheOwnersAndItsChildrenStandAmongTheOwners) {
+  CSmartPtr<CTeam> team(new CTeam());
+  team->title = "t";
+  team->meta->rev = 3;
+  team->meta->comment = "c";
+  CSmartPtr<CShape> shape(new CShape());
+  shape->radius = 2;
+  team->shape = shape;
+  EXPECT_EQ(Text(*team),
+            "<AA:team xmlns:AA=\"urn:test\" title=\"t\" rev=\"3\"><AA:comment>c</AA:comment>"
+            "<AA:shape><AA:radius>2</AA:radius></AA:shape></AA:team>");
+}
+
+TEST(EngineWrite, ChoiceWritesTheFirstAlternativeSet) {
+  CSmartPtr<CShape> shape(new CShape());
+  shape->label = "l";
+  shape->radius = 5;
+  EXPECT_EQ(Text(*shape), "<AA:shape xmlns:AA=\"urn:test\"><AA:radius>5</AA:radius></AA:shape>");
+}
+
+TEST(EngineWrite, EmptyChoice) {
+  CSmartPtr<CShape> shape(new CShape());
+  EXPECT_TRUE(ThrowsFull<CKoValidationException>(
+      [&] { Text(*shape); },
+      "Failed to convert the element [shape] to XML\n"
+      "This element is a choice, and as such must have at one (and only one) valid item, currently there are "
+      "none set"));
+  CXmlSerializationContext tolerant;
+  tolerant.SetIgnoreMissingChoice(true);
+  EXPECT_EQ(Text(*shape, tolerant), "<AA:shape xmlns:AA=\"urn:test\"/>");
+
+  // The value of an optional class alternative may be an empty choice.
+  shape->inner = new CShape();
+  shape->inner->SetElementName("inner");
+  EXPECT_EQ(Text(*shape), "<AA:shape xmlns:AA=\"urn:test\"><AA:inner/></AA:shape>");
+  CSmartPtr<CShape> back(new CShape());
+  back->FromXml(Text(*shape).c_str(), Default());
+  ASSERT_TRUE(back->inner);
+  EXPECT_FALSE(back->inner->radius);
+
+  // Nested deeper, an empty choice fails with the path to it.
+  CSmartPtr<CTeam> team(new CTeam());
+  team->shape = new CShape();
+  EXPECT_TRUE(ThrowsFull<CKoValidationException>(
+      [&] { Text(*team); },
+      "Failed to convert the element [team] to XML\n"
+      "Failed to convert the element [shape] to XML\n"
+      "This element is a choice, and as such must have at one (and only one) valid item, currently there are "
+      "none set"));
+}
+
+// A class whose records are made for one test: a group type and records of
+// the test's choosing.
+class CCustom : public CXmlGeneratedClass {
+ public:
+  CCustom(XmlElementGroupType group, std::initializer_list<CElementInfo*> elements,
+          std::initializer_list<CAttributeInfo*> attributes)
+      : m_info(new CParentElementInfo(group, XmlElementTypeElement, "custom", kNs, true, false, -1, ItemType_none,
+                                      nullptr, false)),
+        m_elements(Elements(elements)),
+        m_attributes(Attributes(attributes)) {
+    SetElementName("custom");
+  }
+  ~CCustom() override { CleanMetaData(m_info, m_elements, m_attributes); }
+  CXmlObjectBase* GetBase() override { return this; }
+  std::string GetTargetNamespace() const override { return kNs; }
+  std::string GetNamespace() const override { return kNs; }
+  void AccessProperty(int, bool get, KoVariant& value) override {
+    if (get) value = m_value;
+    else m_value = value;
+  }
+  CParentElementInfo* GetClassInfo() override { return m_info; }
+  CElementInfo** GetClassElementInfo() override { return m_elements; }
+  CAttributeInfo** GetClassAttributeInfo() override { return m_attributes; }
+  void Init() override { m_value.SetInvalid(); }
+
+  KoVariant m_value;
+
+ private:
+  CParentElementInfo* m_info;
+  CElementInfo** m_elements;
+  CAttributeInfo** m_attributes;
+};
+
+class CThrowingAttribute : public CAttributeInfo {
+ public:
+  CThrowingAttribute() : CAttributeInfo("bad", "", 0, true, nullptr) {}
+  void AttributeToXml(const CXmlSerializationContext&, const CXmlGeneratedClass*, CXmlWriter*) const override {
+    throw CKoInvalidValueException("cannot write this attribute");
+  }
+  bool AttributeFromXml(const CXmlSerializationContext&, CXmlGeneratedClass*, CXmlAttribute*) override {
+    return false;
+  }
+  void Validate(const CXmlSerializationContext&, bool) const override {}
+};
+
+TEST(EngineWrite, AttributeFailuresAreWrappedTwice) {
+  CSmartPtr<CCustom> custom(new CCustom(XmlElementGroupTypeSequence, {}, {new CThrowingAttribute()}));
+  try {
+    Text(*custom);
+    FAIL() << "nothing thrown";
+  } catch (const CKoValidationException& e) {
+    EXPECT_EQ(e.GetFullMessage(),
+              "Failed to convert the element [custom] to XML\nFailed to convert attributes to XML\n"
+              "cannot write this attribute");
+    const CKoException* attributes = e.GetInnerException();
+    ASSERT_NE(attributes, nullptr);
+    // The attribute wrapper is a plain library exception, the element one a validation exception.
+    EXPECT_EQ(dynamic_cast<const CKoValidationException*>(attributes), nullptr);
+    EXPECT_NE(dynamic_cast<const CKoInvalidValueException*>(attributes->GetInnerException()), nullptr);
+  }
+}
+
+TEST(EngineWrite, UnknownGroupType) {
+  CSmartPtr<CCustom> custom(new CCustom(static_cast<XmlElementGroupType>(3), {}, {}));
+  EXPECT_TRUE(ThrowsFull<CKoValidationException>(
+      [&] { Text(*custom); }, "Failed to convert the element [custom] to XML\nUnknown XML Group Type"));
+  EXPECT_TRUE(ThrowsFull<CKoValidationException>(
+      [&] { custom->FromXml("<custom/>", Default()); }, "Failed to process the element [custom]\nUnknow Group Type"));
+}
+
+TEST(EngineWrite, AllGroupWritesEveryMemberInRecordOrder) {
+  CSmartPtr<CBag> bag(new CBag());
+  bag->z = 3;
+  bag->x = 1;
+  EXPECT_EQ(Text(*bag), "<AA:bag xmlns:AA=\"urn:test\"><AA:x>1</AA:x><AA:z>3</AA:z></AA:bag>");
+}
+
+TEST(EngineWrite, DocumentHeaderAndLineEnds) {
+  const std::string plain = Person()->ToXml(false, true, EOLTypeLF, Default());
+  EXPECT_EQ(plain.rfind("<?xml", 0), std::string::npos);
+  const std::string withHeader = Person()->ToXml(true, true, EOLTypeCRLF, Default());
+  EXPECT_EQ(withHeader.rfind("<?xml version=\"1.0\"?>\r\n", 0), 0u);
+  EXPECT_NE(withHeader.find("\r\n\t<AA:name>"), std::string::npos);
+}
+
+}  // namespace

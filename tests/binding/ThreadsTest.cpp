@@ -1,0 +1,127 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "support/TestModel.h"
+
+using namespace testmodel;
+
+namespace {
+
+constexpr int kThreads = 4;
+
+// Starts every thread's work at once, so that they really overlap.
+class CStartLine {
+ public:
+  void Wait() {
+    m_waiting.fetch_add(1);
+    while (!m_go.load()) std::this_thread::yield();
+  }
+  void Go(int threads) {
+    while (m_waiting.load() < threads) std::this_thread::yield();
+    m_go.store(true);
+  }
+
+ private:
+  std::atomic<int> m_waiting{0};
+  std::atomic<bool> m_go{false};
+};
+
+class CCountedShape : public CShape {
+ public:
+  explicit CCountedShape(std::atomic<int>& deleted) : m_deleted(deleted) {}
+  ~CCountedShape() override { m_deleted.fetch_add(1); }
+
+ private:
+  std::atomic<int>& m_deleted;
+};
+
+TEST(Threads, SharedObjectsAreCountedFromEveryThread) {
+  std::atomic<int> deleted{0};
+  std::vector<CSmartPtr<CShape>> shared;
+  for (int i = 0; i < 8; ++i) shared.emplace_back(new CCountedShape(deleted));
+
+  CStartLine start;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t)
+    threads.emplace_back([&] {
+      start.Wait();
+      for (int round = 0; round < 5000; ++round)
+        for (const CSmartPtr<CShape>& object : shared) {
+          CSmartPtr<CShape> copy = object;  // AddRef
+          object->AddRef();
+          object->Release();
+        }  // Release
+    });
+  start.Go(kThreads);
+  for (std::thread& thread : threads) thread.join();
+
+  EXPECT_EQ(deleted.load(), 0);
+  for (const CSmartPtr<CShape>& object : shared) {
+    EXPECT_EQ(object->AddRef(), 2);  // only the vector's reference is left
+    EXPECT_EQ(object->Release(), 1);
+  }
+  shared.clear();
+  EXPECT_EQ(deleted.load(), 8);
+}
+
+TEST(Threads, TheLastOfManyConcurrentReleasesDeletesOnce) {
+  std::atomic<int> deleted{0};
+  for (int round = 0; round < 200; ++round) {
+    auto* object = new CCountedShape(deleted);
+    for (int t = 0; t < kThreads; ++t) object->AddRef();
+    CStartLine start;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+      threads.emplace_back([&] {
+        start.Wait();
+        object->Release();
+      });
+    start.Go(kThreads);
+    for (std::thread& thread : threads) thread.join();
+  }
+  EXPECT_EQ(deleted.load(), 200);
+}
+
+// Distinct objects of one class are written and read at the same time while
+// the class's records are created for the first time.
+TEST(Threads, ObjectsOfOneClassAreSerialisedConcurrentlyDuringFirstUse) {
+  CleanAllMetaData();
+  const int builds = CPerson::s_meta.builds.load();
+  ASSERT_FALSE(CPerson::s_meta.ready.load());
+
+  CStartLine start;
+  std::atomic<int> failures{0};
+  std::vector<std::thread> threads;
+  // One thread only asks for the records, as generated code does on first use.
+  threads.emplace_back([&] {
+    CSmartPtr<CPerson> person(new CPerson());
+    start.Wait();
+    if (!person->GetClassInfo() || person->GetClassElementInfoCount() != 5) failures.fetch_add(1);
+  });
+  for (int t = 0; t < kThreads; ++t)
+    threads.emplace_back([&, t] {
+      CXmlSerializationContext ctx;  // contexts are not shared between threads
+      CSmartPtr<CPerson> person(new CPerson());
+      person->id = t;
+      person->name = "worker " + std::to_string(t);
+      person->tags = "a,b";
+      start.Wait();
+      for (int round = 0; round < 50; ++round) {
+        CSmartPtr<CPerson> back(new CPerson());
+        back->FromXml(person->ToXml(false, false, EOLTypeLF, ctx).c_str(), ctx);
+        CSmartPtr<CPerson> fromFi(new CPerson());
+        fromFi->FromXmlStream(person->ToFastInfosetStream(FInfoDeclNone, ctx, CompressionTypeNone), ctx);
+        if (back->name != person->name || back->id != t || fromFi->tags != "a,b") failures.fetch_add(1);
+      }
+    });
+  start.Go(kThreads + 1);
+  for (std::thread& thread : threads) thread.join();
+
+  EXPECT_EQ(failures.load(), 0);
+  EXPECT_EQ(CPerson::s_meta.builds.load(), builds + 1);  // created exactly once
+}
+
+}  // namespace
