@@ -13,7 +13,7 @@ class CAddress : public KoXmlLib10::CXmlGeneratedClass {
   enum Property { kStreet, kCity, kZip, kCountry };
 
   explicit CAddress(const char* elementName = "address");
-  static KoXmlLib10::CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);
+  static CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);
 
   const std::string& GetStreet() const { return m_street; }
   void SetStreet(const std::string& value) { m_street = value; }

@@ -16,7 +16,7 @@ class CCustomer : public KoXmlLib10::CXmlGeneratedClass {
   enum Property { kName, kEmail, kPhone, kAddress, kVip };
 
   explicit CCustomer(const char* elementName = "customer");
-  static KoXmlLib10::CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);
+  static CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);
 
   const std::string& GetName() const { return m_name; }
   void SetName(const std::string& value) { m_name = value; }
@@ -46,7 +46,7 @@ class CCustomer : public KoXmlLib10::CXmlGeneratedClass {
   std::string m_name;
   std::string m_email;
   std::optional<std::string> m_phone;
-  KoXmlLib10::CSmartPtr<CAddress> m_address;
+  CSmartPtr<CAddress> m_address;
   std::optional<bool> m_vip;
 };
 

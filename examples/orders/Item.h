@@ -14,7 +14,7 @@ class CItem : public KoXmlLib10::CXmlGeneratedClass {
   enum Property { kDescription, kPrice, kWeight, kShipBy, kSku, kQty };
 
   explicit CItem(const char* elementName = "item");
-  static KoXmlLib10::CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);
+  static CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);
 
   const std::string& GetDescription() const { return m_description; }
   void SetDescription(const std::string& value) { m_description = value; }
@@ -56,7 +56,7 @@ class CItem : public KoXmlLib10::CXmlGeneratedClass {
 class CItemCol : public KoXmlLib10::CXmlClassCollection {
  public:
   CItemCol(const char* elementName, const char* elementNamespace, int minOccurs, int maxOccurs);
-  KoXmlLib10::CSmartPtr<CItem> Add();
+  CSmartPtr<CItem> Add();
   void Add(CItem* item) { AppendItem(item); }
   CItem* Item(int index) const { return static_cast<CItem*>(GetNodeAtIndex(index)->item); }
   KoXmlLib10::CXmlCollectionIterator<CItem> begin() const {

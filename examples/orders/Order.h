@@ -18,7 +18,7 @@ class COrder : public KoXmlLib10::CXmlGeneratedClass {
   enum Property { kPlaced, kCustomer, kItems, kNote, kTotal, kPaid, kTags, kId, kStatus, kCurrency };
 
   explicit COrder(const char* elementName = "order");
-  static KoXmlLib10::CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);
+  static CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);
 
   const KoXmlLib10::CDateTime& GetPlaced() const { return m_placed; }
   void SetPlaced(const KoXmlLib10::CDateTime& value) { m_placed = value; }
@@ -58,12 +58,12 @@ class COrder : public KoXmlLib10::CXmlGeneratedClass {
 
  private:
   KoXmlLib10::CDateTime m_placed;
-  KoXmlLib10::CSmartPtr<CCustomer> m_customer;
-  KoXmlLib10::CSmartPtr<CItemCol> m_items;
+  CSmartPtr<CCustomer> m_customer;
+  CSmartPtr<CItemCol> m_items;
   std::optional<std::string> m_note;
   KoXmlLib10::CDecimal m_total;
   bool m_paid = false;
-  KoXmlLib10::CSmartPtr<KoXmlLib10::CstringCol> m_tags;
+  CSmartPtr<KoXmlLib10::CstringCol> m_tags;
   long m_id = 0;
   std::optional<OrderStatus> m_status;
   std::optional<std::string> m_currency;
@@ -73,7 +73,7 @@ class COrder : public KoXmlLib10::CXmlGeneratedClass {
 class COrderCol : public KoXmlLib10::CXmlClassCollection {
  public:
   COrderCol(const char* elementName, const char* elementNamespace, int minOccurs, int maxOccurs);
-  KoXmlLib10::CSmartPtr<COrder> Add();
+  CSmartPtr<COrder> Add();
   void Add(COrder* order) { AppendItem(order); }
   COrder* Item(int index) const { return static_cast<COrder*>(GetNodeAtIndex(index)->item); }
   KoXmlLib10::CXmlCollectionIterator<COrder> begin() const {

@@ -15,7 +15,7 @@ class COrders : public KoXmlLib10::CXmlGeneratedClass {
   enum Property { kOrders };
 
   explicit COrders(const char* elementName = "orders");
-  static KoXmlLib10::CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);
+  static CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);
 
   COrderCol* GetOrders() const { return m_orders.get(); }
 
@@ -30,7 +30,7 @@ class COrders : public KoXmlLib10::CXmlGeneratedClass {
   void Init() override;
 
  private:
-  KoXmlLib10::CSmartPtr<COrderCol> m_orders;
+  CSmartPtr<COrderCol> m_orders;
 };
 
 }  // namespace orders

@@ -4,9 +4,12 @@
 
 namespace orders {
 
-void AnnounceGeneratorVersion() {
-  static const bool announced = (KoXmlLib10::SetGeneratorVersion(10, 1), true);
-  (void)announced;
-}
+namespace {
+// Before main: the version must be known before the first object is built,
+// and the base class is built before any constructor body of ours runs.
+const bool g_announced = (KoXmlLib10::SetGeneratorVersion(10, 1), true);
+}  // namespace
+
+void AnnounceGeneratorVersion() { (void)g_announced; }
 
 }  // namespace orders
