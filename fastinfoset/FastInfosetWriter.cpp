@@ -224,14 +224,17 @@ void CFastInfosetWriter::WriteElement(bool hasAttributes) {
   const size_t held = m_heldCount;
   m_heldCount = 0;
   for (size_t i = 0; i < held; ++i) WriteAttribute(m_heldAttributes[i]);
-  // The attribute list ends with a terminator, which can share its octet with the element's.
-  if (withAttributes) m_pendingTerminator = true;
   operation.Done();
 }
 
 void CFastInfosetWriter::CloseStartTag() {
   WriteElement(m_heldCount > 0);
-  if (CXmlWriterContext* current = GetCurrentContext()) current->SetStartTagOpen(false);
+  CXmlWriterContext* current = GetCurrentContext();
+  if (!current || !current->GetStartTagOpen()) return;
+  current->SetStartTagOpen(false);
+  // The attribute list ends in an octet of its own; only element terminators
+  // share octets with each other.
+  if (current->GetAttributesWritten()) PutByte(m_out, kTerminator);
 }
 
 void CFastInfosetWriter::WritePendingTerminator() {
