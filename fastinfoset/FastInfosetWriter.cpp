@@ -26,11 +26,6 @@ const char* const CFastInfosetWriter::FI_DEFAULT_VOCABULARY_URI =
 
 namespace {
 
-const std::string kSchemaInstanceNamespace = "http://www.w3.org/2001/XMLSchema-instance";
-const std::string kTypeAttribute = "type";
-const std::string kNilAttribute = "nil";
-const std::string kTrue = "true";
-
 constexpr unsigned long kMaxIndex = 1ul << 20;
 constexpr size_t kMaxAlphabetLength = size_t(1) << 20;
 
@@ -157,7 +152,7 @@ void CFastInfosetWriter::WriteStartDocument(FInfoDecl decl) {
 
 void CFastInfosetWriter::WriteEndDocument() {
   COperation operation(*this);
-  if (GetCurrentContext()) throw CKoException("An Element has not been closed.");
+  RequireNoOpenElement();
   PutByte(m_out, m_pendingTerminator ? kDoubleTerminator : kTerminator);
   m_pendingTerminator = false;
   operation.Done();
@@ -284,19 +279,13 @@ std::string CFastInfosetWriter::PrefixFor(const std::string& uri) {
 
 // ---- attributes -------------------------------------------------------------
 
-void CFastInfosetWriter::RequireOpenStartTag() const {
-  const CXmlWriterContext* current = GetCurrentContext();
-  if (!current || !current->GetStartTagOpen())
-    throw CKoException("Attributes must be added before elements");
-}
-
 void CFastInfosetWriter::WriteAttributeString(const std::string& localName,
                                               const std::string& namespaceUri,
                                               const std::string& value, ItemType type) {
   COperation operation(*this);
   RequireOpenStartTag();
-  if (!m_pendingElement && !GetCurrentContext()->GetAttributesWritten())
-    throw CKoException("Attributes must be added before elements");
+  // A header written ahead without attributes takes none.
+  RequireOpenStartTag(m_pendingElement || GetCurrentContext()->GetAttributesWritten());
   if (m_heldCount == m_heldAttributes.size()) m_heldAttributes.emplace_back();
   CHeldAttribute& attribute = m_heldAttributes[m_heldCount];
   // The value first: a failure leaves neither the attribute nor a declaration behind.
@@ -334,24 +323,16 @@ void CFastInfosetWriter::WriteAttribute(const CHeldAttribute& attribute) {
 void CFastInfosetWriter::WriteAttributeType(const std::string& typeNamespaceUri,
                                             const std::string& typeName, ItemType type) {
   COperation operation(*this);
-  RequireOpenStartTag();
-  if (typeNamespaceUri.empty() || typeNamespaceUri == GetCurrentContext()->GetDefaultNamespace()) {
-    WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, typeName, type);
-  } else {
-    // The value's prefix is declared on this element when it is not in scope,
-    // so that a reader can resolve it.
-    const std::string prefix = PrefixFor(typeNamespaceUri);
-    WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, prefix + ":" + typeName, type);
-  }
+  std::string declaredPrefix;
+  const std::string value = TypeAttributeValue(typeNamespaceUri, typeName, declaredPrefix);
+  // The value's prefix is declared on this element when it was not in scope,
+  // so that a reader can resolve it.
+  if (!declaredPrefix.empty()) m_declarations.push_back(CDeclaration{declaredPrefix, typeNamespaceUri});
+  WriteTypeAttribute(value, type);
   operation.Done();
 }
 
-void CFastInfosetWriter::WriteAttributeNil() {
-  COperation operation(*this);
-  RequireOpenStartTag();
-  WriteAttributeString(kNilAttribute, kSchemaInstanceNamespace, kTrue, ItemType_boolean);
-  operation.Done();
-}
+void CFastInfosetWriter::WriteAttributeNil() { WriteNilAttribute(); }
 
 // ---- encoders ---------------------------------------------------------------
 

@@ -117,7 +117,6 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
     std::string uri;
   };
 
-  void RequireOpenStartTag() const;
   // Writes a pending header with its held attributes and closes the current
   // start tag, ending its attribute list (F0) if it has one.
   void CloseStartTag();
