@@ -252,7 +252,7 @@ void CFastInfosetWriter::WriteString(const std::string& text, ItemType type) {
 
 void CFastInfosetWriter::WriteEndElement() {
   COperation operation(*this);
-  if (!GetCurrentContext()) throw CKoException("There is no open Element to end.");
+  RequireOpenElement();
   CloseStartTag();
   if (m_pendingTerminator) {
     PutByte(m_out, kDoubleTerminator);  // the one owed and this element's

@@ -315,8 +315,8 @@ void CXmlTextWriter::WriteString(const std::string& text, ItemType) {
 }
 
 void CXmlTextWriter::WriteEndElement() {
+  RequireOpenElement();
   CXmlWriterContext* element = GetCurrentContext();
-  if (!element) throw CKoException("There is no open Element to end.");
   CXmlMarkupOutput out(m_stream.m_buffer);
   if (element->GetStartTagOpen()) {
     out.Put("/>");

@@ -15,6 +15,7 @@ namespace {
 // callers match on it, so keep it exactly as it is.
 const char kAttributesAfterContent[] = "Attributes must be added before elements";
 const char kElementNotClosed[] = "An Element has not been closed.";
+const char kNoElementToEnd[] = "There is no open Element to end.";
 
 const std::string kSchemaInstanceNamespace = CXmlWriter::XSI_NAMESPACE;
 const std::string kTypeAttribute = "type";
@@ -201,9 +202,7 @@ const std::string& CXmlWriter::PrefixInScope(const std::string& uri, bool& decla
   return m_current->GetNamespaceMapValue(uri);
 }
 
-}  // namespace KoXmlLib10
-
-namespace KoXmlLib10 {
+// ---- rules of the concrete writers -----------------------------------------
 
 void CXmlWriter::RequireOpenStartTag(bool accepting) const {
   if (!accepting || !m_current || !m_current->GetStartTagOpen())
@@ -212,6 +211,10 @@ void CXmlWriter::RequireOpenStartTag(bool accepting) const {
 
 void CXmlWriter::RequireNoOpenElement() const {
   if (m_current) throw CKoException(kElementNotClosed);
+}
+
+void CXmlWriter::RequireOpenElement() const {
+  if (!m_current) throw CKoException(kNoElementToEnd);
 }
 
 void CXmlWriter::WriteNilAttribute() {

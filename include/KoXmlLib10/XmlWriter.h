@@ -141,6 +141,8 @@ class KOXML_API CXmlWriter {
   void RequireOpenStartTag(bool accepting = true) const;
   // Throws "An Element has not been closed." while an element is open.
   void RequireNoOpenElement() const;
+  // Throws "There is no open Element to end." while no element is open.
+  void RequireOpenElement() const;
   // xsi:nil="true" on the open start tag, through WriteAttributeString.
   void WriteNilAttribute();
   // The value of xsi:type, after the open-start-tag check: `typeName` alone
