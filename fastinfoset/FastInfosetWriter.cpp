@@ -26,11 +26,6 @@ const char* const CFastInfosetWriter::FI_DEFAULT_VOCABULARY_URI =
 
 namespace {
 
-const std::string kSchemaInstanceNamespace = "http://www.w3.org/2001/XMLSchema-instance";
-const std::string kTypeAttribute = "type";
-const std::string kNilAttribute = "nil";
-const std::string kTrue = "true";
-
 constexpr unsigned long kMaxIndex = 1ul << 20;
 constexpr size_t kMaxAlphabetLength = size_t(1) << 20;
 
@@ -157,7 +152,7 @@ void CFastInfosetWriter::WriteStartDocument(FInfoDecl decl) {
 
 void CFastInfosetWriter::WriteEndDocument() {
   COperation operation(*this);
-  if (GetCurrentContext()) throw CKoException("An Element has not been closed.");
+  RequireNoOpenElement();
   PutByte(m_out, m_pendingTerminator ? kDoubleTerminator : kTerminator);
   m_pendingTerminator = false;
   operation.Done();
@@ -224,14 +219,17 @@ void CFastInfosetWriter::WriteElement(bool hasAttributes) {
   const size_t held = m_heldCount;
   m_heldCount = 0;
   for (size_t i = 0; i < held; ++i) WriteAttribute(m_heldAttributes[i]);
-  // The attribute list ends with a terminator, which can share its octet with the element's.
-  if (withAttributes) m_pendingTerminator = true;
   operation.Done();
 }
 
 void CFastInfosetWriter::CloseStartTag() {
   WriteElement(m_heldCount > 0);
-  if (CXmlWriterContext* current = GetCurrentContext()) current->SetStartTagOpen(false);
+  CXmlWriterContext* current = GetCurrentContext();
+  if (!current || !current->GetStartTagOpen()) return;
+  current->SetStartTagOpen(false);
+  // The attribute list ends in an octet of its own; only element terminators
+  // share octets with each other.
+  if (current->GetAttributesWritten()) PutByte(m_out, kTerminator);
 }
 
 void CFastInfosetWriter::WritePendingTerminator() {
@@ -254,7 +252,7 @@ void CFastInfosetWriter::WriteString(const std::string& text, ItemType type) {
 
 void CFastInfosetWriter::WriteEndElement() {
   COperation operation(*this);
-  if (!GetCurrentContext()) throw CKoException("There is no open Element to end.");
+  RequireOpenElement();
   CloseStartTag();
   if (m_pendingTerminator) {
     PutByte(m_out, kDoubleTerminator);  // the one owed and this element's
@@ -281,19 +279,13 @@ std::string CFastInfosetWriter::PrefixFor(const std::string& uri) {
 
 // ---- attributes -------------------------------------------------------------
 
-void CFastInfosetWriter::RequireOpenStartTag() const {
-  const CXmlWriterContext* current = GetCurrentContext();
-  if (!current || !current->GetStartTagOpen())
-    throw CKoException("Attributes must be added before elements");
-}
-
 void CFastInfosetWriter::WriteAttributeString(const std::string& localName,
                                               const std::string& namespaceUri,
                                               const std::string& value, ItemType type) {
   COperation operation(*this);
   RequireOpenStartTag();
-  if (!m_pendingElement && !GetCurrentContext()->GetAttributesWritten())
-    throw CKoException("Attributes must be added before elements");
+  // A header written ahead without attributes takes none.
+  RequireOpenStartTag(m_pendingElement || GetCurrentContext()->GetAttributesWritten());
   if (m_heldCount == m_heldAttributes.size()) m_heldAttributes.emplace_back();
   CHeldAttribute& attribute = m_heldAttributes[m_heldCount];
   // The value first: a failure leaves neither the attribute nor a declaration behind.
@@ -331,24 +323,16 @@ void CFastInfosetWriter::WriteAttribute(const CHeldAttribute& attribute) {
 void CFastInfosetWriter::WriteAttributeType(const std::string& typeNamespaceUri,
                                             const std::string& typeName, ItemType type) {
   COperation operation(*this);
-  RequireOpenStartTag();
-  if (typeNamespaceUri.empty() || typeNamespaceUri == GetCurrentContext()->GetDefaultNamespace()) {
-    WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, typeName, type);
-  } else {
-    // The value's prefix is declared on this element when it is not in scope,
-    // so that a reader can resolve it.
-    const std::string prefix = PrefixFor(typeNamespaceUri);
-    WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, prefix + ":" + typeName, type);
-  }
+  std::string declaredPrefix;
+  const std::string value = TypeAttributeValue(typeNamespaceUri, typeName, declaredPrefix);
+  // The value's prefix is declared on this element when it was not in scope,
+  // so that a reader can resolve it.
+  if (!declaredPrefix.empty()) m_declarations.push_back(CDeclaration{declaredPrefix, typeNamespaceUri});
+  WriteTypeAttribute(value, type);
   operation.Done();
 }
 
-void CFastInfosetWriter::WriteAttributeNil() {
-  COperation operation(*this);
-  RequireOpenStartTag();
-  WriteAttributeString(kNilAttribute, kSchemaInstanceNamespace, kTrue, ItemType_boolean);
-  operation.Done();
-}
+void CFastInfosetWriter::WriteAttributeNil() { WriteNilAttribute(); }
 
 // ---- encoders ---------------------------------------------------------------
 

@@ -602,8 +602,9 @@ std::string CDateTime::ToString(const char* format) const {
   if (m_type == dt_yearZero || (m_type != dt_time && IsEmpty()))
     throw CKoInvalidValueException("Date Not Set");
   if (!format || !*format || std::strcmp(format, "G") == 0) return std::string();
-  if (std::strcmp(format, "s") != 0)
-    throw CKoInvalidParamException(std::string("Unknown Format: ") + format);
+  // An unknown format is answered in the result, not thrown: callers print
+  // whatever comes back.
+  if (std::strcmp(format, "s") != 0) return std::string("Unknown Format: ") + format;
   return FieldsToString() + ZoneToString();
 }
 

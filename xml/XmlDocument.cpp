@@ -447,7 +447,7 @@ void CXmlDocument::Load(const char* path) {
 void CXmlDocument::Parse() {
   unsigned char* data = m_input.get();
   unsigned long length = m_inputLength;
-  CKoZip::Decompress(&data, &length);
+  CKoZip::Decompress(&data, &length, m_context->GetInflateLimits());
   if (data != m_input.get()) {
     (void)m_input.release();  // Decompress has freed it
     ReplaceInput(data, length);

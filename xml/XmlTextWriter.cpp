@@ -15,10 +15,6 @@ namespace KoXmlLib10 {
 
 namespace {
 
-const std::string kSchemaInstanceNamespace = "http://www.w3.org/2001/XMLSchema-instance";
-const std::string kTypeAttribute = "type";
-const std::string kNilAttribute = "nil";
-const std::string kTrue = "true";
 constexpr std::string_view kCDataStart = "<![CDATA[";
 constexpr unsigned long kFlushThreshold = 4095;
 
@@ -177,12 +173,6 @@ inline void CXmlTextWriter::Commit(CXmlMarkupOutput& out, bool applyFlushRule) {
   if (applyFlushRule && m_streamFlushes && out.Length() > kFlushThreshold) m_stream.Flush();
 }
 
-inline void CXmlTextWriter::RequireOpenStartTag() const {
-  const CXmlWriterContext* current = GetCurrentContext();
-  if (!current || !current->GetStartTagOpen())
-    throw CKoException("Attributes must be added before elements");
-}
-
 inline void CXmlTextWriter::PadAndAppend(CXmlMarkupOutput& out, const std::string& text,
                                   bool inAttribute) {
   out.Escape(text, inAttribute, m_eol);
@@ -325,8 +315,8 @@ void CXmlTextWriter::WriteString(const std::string& text, ItemType) {
 }
 
 void CXmlTextWriter::WriteEndElement() {
+  RequireOpenElement();
   CXmlWriterContext* element = GetCurrentContext();
-  if (!element) throw CKoException("There is no open Element to end.");
   CXmlMarkupOutput out(m_stream.m_buffer);
   if (element->GetStartTagOpen()) {
     out.Put("/>");
@@ -372,26 +362,18 @@ void CXmlTextWriter::WriteAttributeString(const std::string& localName,
 
 void CXmlTextWriter::WriteAttributeType(const std::string& typeNamespaceUri,
                                         const std::string& typeName, ItemType type) {
-  RequireOpenStartTag();
-  if (typeNamespaceUri.empty() || typeNamespaceUri == GetCurrentContext()->GetDefaultNamespace()) {
-    WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, typeName, type);
-    return;
-  }
-  bool declared = false;
-  const std::string& prefix = PrefixInScope(typeNamespaceUri, declared);
-  if (declared) {
+  std::string declaredPrefix;
+  const std::string value = TypeAttributeValue(typeNamespaceUri, typeName, declaredPrefix);
+  if (!declaredPrefix.empty()) {
     // Handed to the stream before the attribute call writes its own markup.
     CXmlMarkupOutput out(m_stream.m_buffer);
     out.Put(' ');
-    out.Declaration(prefix, typeNamespaceUri);
+    out.Declaration(declaredPrefix, typeNamespaceUri);
     out.Put(' ');
   }
-  WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, prefix + ":" + typeName, type);
+  WriteTypeAttribute(value, type);
 }
 
-void CXmlTextWriter::WriteAttributeNil() {
-  RequireOpenStartTag();
-  WriteAttributeString(kNilAttribute, kSchemaInstanceNamespace, kTrue, ItemType_boolean);
-}
+void CXmlTextWriter::WriteAttributeNil() { WriteNilAttribute(); }
 
 }  // namespace KoXmlLib10

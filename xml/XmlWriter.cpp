@@ -9,6 +9,21 @@
 
 namespace KoXmlLib10 {
 
+namespace {
+
+// Messages of the writers. Their wording is part of the library's interface:
+// callers match on it, so keep it exactly as it is.
+const char kAttributesAfterContent[] = "Attributes must be added before elements";
+const char kElementNotClosed[] = "An Element has not been closed.";
+const char kNoElementToEnd[] = "There is no open Element to end.";
+
+const std::string kSchemaInstanceNamespace = CXmlWriter::XSI_NAMESPACE;
+const std::string kTypeAttribute = "type";
+const std::string kNilAttribute = "nil";
+const std::string kTrue = "true";
+
+}  // namespace
+
 using Context = CXmlWriter::CXmlWriterContext;
 
 // ---- CXmlWriterContext ------------------------------------------------------
@@ -18,7 +33,8 @@ Context::CXmlWriterContext(const std::string& localName, const std::string& name
     : m_depth(parent ? parent->m_depth + 1 : 0),
       m_namespaceUri(namespaceUri),
       m_localName(localName),
-      m_parent(parent) {
+      m_parent(parent),
+      m_inheritedScope(parent ? parent->Scope() : nullptr) {
   if (!parent) {
     // Without a parent there is nothing to inherit from.
     m_namespaceMap = std::make_unique<NamespaceMap>();
@@ -51,6 +67,7 @@ void Context::TakeOwnCopyOfScope() {
   m_namespaceMap = std::make_unique<NamespaceMap>(*GetNamespaceMap());
   m_ownsMap = true;
   m_inherits = false;
+  m_inheritedScope = nullptr;
 }
 
 void Context::Reuse(const std::string& localName, const std::string& namespaceUri,
@@ -67,6 +84,7 @@ void Context::Reuse(const std::string& localName, const std::string& namespaceUr
   m_namespaceMap.reset();
   m_inherits = true;
   m_ownsMap = false;
+  m_inheritedScope = parent->Scope();
   m_parent.reset(parent);
 }
 
@@ -103,7 +121,7 @@ CXmlWriter::~CXmlWriter() {
 void CXmlWriter::Open() {}
 
 void CXmlWriter::Close() {
-  if (m_current) throw CKoException("An Element has not been closed.");
+  RequireNoOpenElement();
 }
 
 void CXmlWriter::SetDefaultNamespace(const std::string& uri) {
@@ -182,6 +200,46 @@ const std::string& CXmlWriter::PrefixInScope(const std::string& uri, bool& decla
   if (!declared) return found->second;
   m_current->SetNamespaceMapValue(uri, GetUniquePrefix(scope));
   return m_current->GetNamespaceMapValue(uri);
+}
+
+// ---- rules of the concrete writers -----------------------------------------
+
+void CXmlWriter::RequireOpenStartTag(bool accepting) const {
+  if (!accepting || !m_current || !m_current->GetStartTagOpen())
+    throw CKoException(kAttributesAfterContent);
+}
+
+void CXmlWriter::RequireNoOpenElement() const {
+  if (m_current) throw CKoException(kElementNotClosed);
+}
+
+void CXmlWriter::RequireOpenElement() const {
+  if (!m_current) throw CKoException(kNoElementToEnd);
+}
+
+void CXmlWriter::WriteNilAttribute() {
+  RequireOpenStartTag();
+  WriteAttributeString(kNilAttribute, kSchemaInstanceNamespace, kTrue, ItemType_boolean);
+}
+
+std::string CXmlWriter::TypeAttributeValue(const std::string& typeNamespaceUri,
+                                           const std::string& typeName,
+                                           std::string& declaredPrefix) {
+  RequireOpenStartTag();
+  declaredPrefix.clear();
+  if (typeNamespaceUri.empty() || typeNamespaceUri == m_current->GetDefaultNamespace())
+    return typeName;
+  bool declared = false;
+  const std::string& prefix = PrefixInScope(typeNamespaceUri, declared);
+  if (declared) declaredPrefix = prefix;
+  std::string value;
+  value.reserve(prefix.size() + 1 + typeName.size());
+  value.append(prefix).append(1, ':').append(typeName);
+  return value;
+}
+
+void CXmlWriter::WriteTypeAttribute(const std::string& value, ItemType type) {
+  WriteAttributeString(kTypeAttribute, kSchemaInstanceNamespace, value, type);
 }
 
 }  // namespace KoXmlLib10

@@ -119,6 +119,8 @@ class KOXML_API CDateTime {
   void SetZone(const char* z);
 
   std::string ToString() const;
+  // "s": the XSD form; null, "" and "G": the empty string; any other format:
+  // "Unknown Format: " followed by the format. An unset value throws "Date Not Set".
   std::string ToString(const char* format) const;
 
   CDateTime GetNormalized() const;

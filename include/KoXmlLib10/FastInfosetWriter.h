@@ -117,8 +117,8 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
     std::string uri;
   };
 
-  void RequireOpenStartTag() const;
-  // Writes a pending header with its held attributes and closes the current start tag.
+  // Writes a pending header with its held attributes and closes the current
+  // start tag, ending its attribute list (F0) if it has one.
   void CloseStartTag();
   // Writes an owed terminator on its own (padded to the end of the octet).
   void WritePendingTerminator();
@@ -149,8 +149,8 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
   const CFastInfosetContext& m_context;
   // The element whose header is held back (always the current element), or null.
   CXmlWriterContext* m_pendingElement = nullptr;
-  // An element's or attribute list's terminator is owed: it shares an octet
-  // with a terminator that follows at once, else it is padded.
+  // An element's terminator is owed: it shares an octet with an element or
+  // document terminator that follows at once, else it is padded.
   bool m_pendingTerminator = false;
   std::unique_ptr<CFIVocabulary> m_vocabulary;
 

@@ -8,6 +8,7 @@
 
 #include "KoXmlLib10/Export.h"
 #include "KoXmlLib10/FastInfosetContext.h"
+#include "KoXmlLib10/KoZip.h"
 #include "KoXmlLib10/SmartPtr.h"
 
 namespace KoXmlLib10 {
@@ -93,6 +94,12 @@ class KOXML_API CXmlSerializationContext {
   bool GetStripCDATA() const { return m_stripCDATA; }
   void SetStripCDATA(bool value) { m_stripCDATA = value; }
 
+  // How far compressed input may inflate when a document is loaded with this
+  // context (see CInflateLimits for the defaults). An addition of this
+  // library to the context's options; copies of the context carry it.
+  const CInflateLimits& GetInflateLimits() const { return m_inflateLimits; }
+  void SetInflateLimits(const CInflateLimits& limits) { m_inflateLimits = limits; }
+
  private:
   std::string m_defaultNamespaceURI;
   bool m_writeTypeAttribute = true;
@@ -110,6 +117,7 @@ class KOXML_API CXmlSerializationContext {
   bool m_noOptionalAttributeDefaultOutput = false;
   CFastInfosetContext m_fiContext;
   bool m_stripCDATA = true;
+  CInflateLimits m_inflateLimits;
 };
 
 }  // namespace KoXmlLib10

@@ -53,7 +53,6 @@ class KOXML_API CXmlTextWriter : public CXmlWriter {
 
  private:
   void PadAndAppend(CXmlMarkupOutput& out, const std::string& text, bool inAttribute);
-  void RequireOpenStartTag() const;
   void CloseStartTagForChild(CXmlMarkupOutput& out);
   // Hands the markup of one operation to the stream, flushing a full stream if
   // asked. Nothing may be put into `out` afterwards.

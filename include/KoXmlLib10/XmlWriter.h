@@ -20,9 +20,17 @@ class KOXML_API CXmlWriter {
   typedef std::map<std::string, std::string> NamespaceMap;
 
   static constexpr char XML_NAMESPACE[] = "http://www.w3.org/XML/1998/namespace";
+  // The XML Schema instance namespace, of the xsi:type and xsi:nil attributes.
+  static constexpr char XSI_NAMESPACE[] = "http://www.w3.org/2001/XMLSchema-instance";
 
   // One open element. A scope inherits its parent's namespace data until it
   // changes it; the first change gives it a copy of its own.
+  //
+  // A context finds the scope it inherits in constant time: it remembers the
+  // nearest ancestor with namespace data of its own when it is opened. The
+  // writers change only the innermost open element's namespace data, so that
+  // ancestor stays the right one; changing the data of an element that has
+  // open descendants is not supported (they keep the scope they started with).
   class KOXML_API CXmlWriterContext {
    public:
     // Nested element: adopts `parent` (the whole chain above is owned).
@@ -63,14 +71,8 @@ class KOXML_API CXmlWriter {
     friend class CXmlWriter;
 
     // The nearest context, from this one up, that has namespace data of its own.
-    const CXmlWriterContext* Scope() const {
-      const CXmlWriterContext* scope = this;
-      while (scope->m_inherits && scope->m_parent) scope = scope->m_parent.get();
-      return scope;
-    }
-    CXmlWriterContext* Scope() {
-      return const_cast<CXmlWriterContext*>(static_cast<const CXmlWriterContext*>(this)->Scope());
-    }
+    const CXmlWriterContext* Scope() const { return m_inherits ? m_inheritedScope : this; }
+    CXmlWriterContext* Scope() { return m_inherits ? m_inheritedScope : this; }
     void TakeOwnCopyOfScope();
     // Turns a popped context into a fresh nested one, reusing its storage.
     void Reuse(const std::string& localName, const std::string& namespaceUri,
@@ -87,6 +89,8 @@ class KOXML_API CXmlWriter {
     std::unique_ptr<NamespaceMap> m_namespaceMap;
     bool m_inherits = true;
     bool m_ownsMap = false;
+    // While inheriting: the nearest ancestor with namespace data of its own.
+    CXmlWriterContext* m_inheritedScope = nullptr;
   };
 
   CXmlWriter();
@@ -129,6 +133,27 @@ class KOXML_API CXmlWriter {
   // generated prefix recorded in the current scope; `declared` tells whether
   // that happened, so the caller can emit the declaration.
   const std::string& PrefixInScope(const std::string& uri, bool& declared);
+
+  // Rules both concrete writers follow.
+  // Throws "Attributes must be added before elements" unless the current
+  // element's start tag is open and, as far as the writer knows, can still
+  // take attributes (`accepting`).
+  void RequireOpenStartTag(bool accepting = true) const;
+  // Throws "An Element has not been closed." while an element is open.
+  void RequireNoOpenElement() const;
+  // Throws "There is no open Element to end." while no element is open.
+  void RequireOpenElement() const;
+  // xsi:nil="true" on the open start tag, through WriteAttributeString.
+  void WriteNilAttribute();
+  // The value of xsi:type, after the open-start-tag check: `typeName` alone
+  // when `typeNamespaceUri` is empty or the default namespace in scope,
+  // otherwise its prefix in scope, ":" and `typeName`. A namespace without a
+  // prefix in scope gets a generated one recorded in the current scope; then
+  // `declaredPrefix` names it so that the writer declares it, else it is left empty.
+  std::string TypeAttributeValue(const std::string& typeNamespaceUri, const std::string& typeName,
+                                 std::string& declaredPrefix);
+  // xsi:type with a value from TypeAttributeValue, through WriteAttributeString.
+  void WriteTypeAttribute(const std::string& value, ItemType type);
 
  private:
   std::string m_rootDefaultNamespace;

@@ -182,7 +182,7 @@ TEST(FastInfosetWriter, AnAttributeValueFailsInTheCallThatWritesIt) {
   w.WriteEndElement();
   w.WriteEndDocument();
   // Neither the failed attribute nor its namespace is written.
-  EXPECT_EQ(fi.Hex(5), "78 F0 3C 00 61 78 00 75 40 31 FF F0");
+  EXPECT_EQ(fi.Hex(5), "78 F0 3C 00 61 78 00 75 40 31 F0 FF");
 }
 
 TEST(FastInfosetWriter, TerminatorsShareOctetsWhenTheyFollowEachOther) {
@@ -210,11 +210,59 @@ TEST(FastInfosetWriter, TerminatorsShareOctetsWhenTheyFollowEachOther) {
   w.WriteEndDocument();
   EXPECT_EQ(fi.Hex(5),
             "38 F0 3C 00 72 "
-            "7C 00 61 78 00 6E FF FF "  // attributes end with the element
+            "7C 00 61 78 00 6E FF F0 "  // attributes end in an octet of their own
+            "F0 "                       // the element's end, padded before a start
             "41 00 FF F0 "              // attributes, then a child
             "3C 00 65 F0 90 74 "        // whose end is padded before the text
             "F0 41 00 FF F0 A0 "        // attributes, then text
             "F0 02 FF F0");             // the last three ends
+}
+
+// An attribute list always ends with F0 when its start tag closes; the
+// element's own terminator then pairs with the next terminator, if any.
+TEST(FastInfosetWriter, AttributeListsEndBeforeTheElementTerminator) {
+  Fi alone;
+  alone.writer.WriteStartDocument(FInfoDeclNone);
+  alone.writer.WriteStartElement("r", "");  // <r a="v"/>
+  alone.writer.WriteAttributeString("a", "", "v", ItemType_string);
+  alone.writer.WriteEndElement();
+  alone.writer.WriteEndDocument();
+  EXPECT_EQ(alone.Hex(), "E0 00 00 01 00 78 F0 3C 00 72 78 00 61 40 76 F0 FF");
+
+  Fi siblings;  // <r><c x="1"/><c x="1"/></r>
+  CFastInfosetWriter& w = siblings.writer;
+  w.WriteStartDocument(FInfoDeclNone);
+  w.WriteStartElement("r", "");
+  for (int i = 0; i < 2; ++i) {
+    w.WriteStartElement("c", "");
+    w.WriteAttributeString("x", "", "1", ItemType_string);
+    w.WriteEndElement();
+  }
+  w.WriteEndElement();
+  w.WriteEndDocument();
+  EXPECT_EQ(siblings.Hex(5),
+            "38 F0 3C 00 72 "
+            "7C 00 63 78 00 78 40 31 F0 "  // <c x="1"> and the end of its attributes
+            "F0 "                           // </c>, padded before the next start
+            "41 00 80 F0 "                  // <c x="1">: name, attribute and value by index
+            "FF F0");                       // </c></r>, then the document's end
+
+  Fi nested;  // the attribute list of an element closed by a child, then by text
+  CFastInfosetWriter& n = nested.writer;
+  n.WriteStartDocument(FInfoDeclNone);
+  n.WriteStartElement("r", "");
+  n.WriteAttributeString("a", "", "v", ItemType_string);
+  n.WriteStartElement("c", "");
+  n.WriteAttributeNil();
+  n.WriteString("t", ItemType_string);
+  n.WriteEndElement();
+  n.WriteEndElement();
+  n.WriteEndDocument();
+  const std::string hex = nested.Hex(5);
+  EXPECT_EQ(hex.substr(0, 27), "78 F0 3C 00 72 78 00 61 40 ");
+  EXPECT_EQ(hex.substr(27, 9), "76 F0 78 ");  // r's attributes end, then <c xmlns:AA=...>
+  // "true" ends, then c's attributes end, the text, both ends and the document's end.
+  EXPECT_EQ(hex.substr(hex.size() - 17), "65 F0 90 74 FF F0");
 }
 
 TEST(FastInfosetWriter, RestrictedAlphabetsAndAlgorithms) {

@@ -238,7 +238,13 @@ TEST(DateTime, PrintingFormatsAndZones) {
   EXPECT_EQ(midnight.ToString(), "00:00:00");
   EXPECT_EQ(midnight.ToString("G"), "");
   EXPECT_EQ(midnight.ToString(""), "");
-  EXPECT_EQ(MessageOf<CKoInvalidParamException>([&] { midnight.ToString("x"); }), "Unknown Format: x");
+  EXPECT_EQ(midnight.ToString(nullptr), "");
+  // Only "s" (and the empty forms) are formats; anything else is named in the result.
+  EXPECT_EQ(midnight.ToString("x"), "Unknown Format: x");
+  EXPECT_EQ(midnight.ToString("S"), "Unknown Format: S");
+  EXPECT_EQ(midnight.ToString("s "), "Unknown Format: s ");
+  EXPECT_EQ(MessageOf<CKoInvalidValueException>([] { CDateTime(CDateTime::dt_date).ToString("x"); }),
+            "Date Not Set");
   midnight.SetTimeZone(-5, 30);
   EXPECT_EQ(midnight.ToString(), "00:00:00-05:30");
   midnight.SetUTC();

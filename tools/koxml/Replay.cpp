@@ -9,7 +9,7 @@ namespace koxml {
 
 namespace {
 
-const char kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
+const char* const kXsiNamespace = CXmlWriter::XSI_NAMESPACE;
 const char kXmlnsNamespace[] = "http://www.w3.org/2000/xmlns/";
 
 bool IsDeclaration(const CXmlAttribute& a) {

@@ -2,6 +2,7 @@
 // compressed, and describes what a document holds.
 #include <KoXmlLib10.h>
 
+#include <cctype>
 #include <cerrno>
 #include <chrono>
 #include <clocale>
@@ -138,16 +139,22 @@ ConvertOptions ParseConvert(int argc, char** argv) {
   return o;
 }
 
+// Closes a file the program opened; standard input stays open.
+struct FileCloser {
+  void operator()(FILE* f) const {
+    if (f != stdin) std::fclose(f);
+  }
+};
+
 std::vector<unsigned char> ReadAll(const std::string& path) {
-  FILE* f = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
+  // Owned from here on, so that a buffer that cannot grow does not leak it.
+  const std::unique_ptr<FILE, FileCloser> f(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
   if (!f) throw CKoException(FormatString("Failed to open the file [%s]", path.c_str()));
   std::vector<unsigned char> bytes;
   unsigned char chunk[1 << 16];
   size_t n;
-  while ((n = std::fread(chunk, 1, sizeof chunk, f)) > 0) bytes.insert(bytes.end(), chunk, chunk + n);
-  const bool failed = std::ferror(f);
-  if (f != stdin) std::fclose(f);
-  if (failed) throw CKoException(FormatString("Failed to read the file [%s]", path.c_str()));
+  while ((n = std::fread(chunk, 1, sizeof chunk, f.get())) > 0) bytes.insert(bytes.end(), chunk, chunk + n);
+  if (std::ferror(f.get())) throw CKoException(FormatString("Failed to read the file [%s]", path.c_str()));
   return bytes;
 }
 
@@ -254,15 +261,18 @@ int Info(int argc, char** argv) {
   const std::string compression = DetectCompression(input);
 
   // Inflate a copy to see what the compressed input holds.
+  CXmlSerializationContext context;
   unsigned long length = static_cast<unsigned long>(input.size());
   std::unique_ptr<unsigned char[]> copy(new unsigned char[length]);
   std::memcpy(copy.get(), input.data(), length);
-  unsigned char* inflated = copy.release();
-  CKoZip::Decompress(&inflated, &length);  // replaces the array when it inflates
-  copy.reset(inflated);
+  unsigned char* inflated = copy.get();
+  CKoZip::Decompress(&inflated, &length, context.GetInflateLimits());
+  if (inflated != copy.get()) {
+    (void)copy.release();  // Decompress has freed it
+    copy.reset(inflated);
+  }
   const std::string format = DetectFormat(copy.get(), length);
 
-  CXmlSerializationContext context;
   CXmlDocument document(context);
   const auto start = std::chrono::steady_clock::now();
   Load(document, input, path);
