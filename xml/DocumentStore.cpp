@@ -263,7 +263,9 @@ CXmlElement* CXmlDocumentStore::Start(const CXmlNodeName* name) {
                                       static_cast<unsigned long>(CXmlDocument::MAX_ELEMENT_DEPTH)));
   }
   if (m_pending.size() <= m_open.size()) m_pending.resize(m_open.size() + 1);
-  m_open.reserve(m_open.size() + 1);
+  // Room for the push below is made before the element is linked, so that
+  // the push cannot fail half-way; doubling keeps deep documents linear.
+  if (m_open.size() == m_open.capacity()) m_open.reserve(std::max<size_t>(16, 2 * m_open.capacity()));
   CXmlElement* element = NewElement(name);
   if (parent)
     parent->LinkChild(element);
