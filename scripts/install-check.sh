@@ -43,4 +43,31 @@ LD_LIBRARY_PATH="$tmp/prefix/lib" "$tmp/app/pc"
 printf '<r xmlns="urn:x"><a k="v">t</a></r>' > "$tmp/app/in.xml"
 "$tmp/prefix/bin/koxml" convert "$tmp/app/in.xml" "$tmp/app/out.fi"
 "$tmp/prefix/bin/koxml" info "$tmp/app/out.fi" | grep -q "elements:      2"
+# An outside project generates classes from a schema with two CMake lines and
+# reads a document through them.
+mkdir -p "$tmp/gen"
+cp "$root/tools/orders-gen/orders.xsd" "$root/tests/generator/orders.xml" "$tmp/gen/"
+cat > "$tmp/gen/CMakeLists.txt" <<'CM'
+cmake_minimum_required(VERSION 3.25)
+project(outside_generated CXX)
+set(CMAKE_CXX_STANDARD 17)
+find_package(KoXmlLib10 CONFIG REQUIRED)
+koxmllib10_generate(TARGET orders_binding SCHEMAS orders.xsd NAMESPACE_MAP urn:example:orders=shop::orders)
+add_executable(read_orders main.cpp)
+target_link_libraries(read_orders PRIVATE orders_binding)
+CM
+cat > "$tmp/gen/main.cpp" <<'CPP'
+#include "OrdersBinding.h"
+#include <cstdio>
+int main(int argc, char** argv) {
+  if (argc < 2) return 2;
+  CSmartPtr<shop::orders::COrders> doc(new shop::orders::COrders);
+  doc->FromXmlFile(argv[1], KoXmlLib10::CXmlSerializationContext::m_defaultContext);
+  std::printf("%d orders\n", doc->GetOrders()->GetCount());
+  return doc->GetOrders()->GetCount() == 2 ? 0 : 1;
+}
+CPP
+cmake -S "$tmp/gen" -B "$tmp/gen/build" -DCMAKE_PREFIX_PATH="$tmp/prefix" >/dev/null
+cmake --build "$tmp/gen/build" >/dev/null
+LD_LIBRARY_PATH="$tmp/prefix/lib" "$tmp/gen/build/read_orders" "$tmp/gen/orders.xml"
 echo "install check passed"

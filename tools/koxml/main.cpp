@@ -15,6 +15,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "Generate.h"
 #include "Replay.h"
 
 using namespace KoXmlLib10;
@@ -24,6 +25,7 @@ namespace {
 const char kUsage[] =
     "usage: koxml convert IN OUT [options]\n"
     "       koxml info FILE\n"
+    "       koxml generate SCHEMA.xsd... --out DIR [options]  (koxml generate --help)\n"
     "       koxml --help | --version\n"
     "\n"
     "IN and OUT may be '-' for standard input and output. IN may be XML text or\n"
@@ -310,6 +312,7 @@ int main(int argc, char** argv) {
     }
     if (command == "convert") return Convert(argc, argv);
     if (command == "info") return Info(argc, argv);
+    if (command == "generate") return koxml::generate::RunGenerate(argc - 1, argv + 1);
     throw UsageError(command.empty() ? "no command given" : "unknown command '" + command + "'");
   } catch (const UsageError& e) {
     std::fprintf(stderr, "koxml: %s\n%s", e.what(), kUsage);
