@@ -13,6 +13,7 @@
 #include "KoXmlLib10/XmlWriter.h"
 #include "binding/BindingMessages.h"
 #include "binding/VariantItemType.h"
+#include "types/VariantText.h"
 
 namespace KoXmlLib10 {
 
@@ -88,6 +89,22 @@ bool IsUnprocessedNamespaceDeclaration(const CXmlAttribute& attribute) {
 
 bool EqualsIgnoringCase(const std::string& text, const char* expected) {
   return strcasecmp(text.c_str(), expected) == 0;
+}
+
+// Element namespaces arrive as C strings. Building a std::string for every
+// element would allocate for each URI longer than the short-string buffer, so
+// each thread keeps one whose storage is reused; a writer that writes objects
+// from inside WriteStartElement gets a fresh one.
+void WriteStartElement(CXmlWriter* writer, const std::string& localName, const char* namespaceUri) {
+  thread_local std::string t_namespace;
+  thread_local bool t_inUse = false;
+  if (t_inUse) return writer->WriteStartElement(localName, namespaceUri ? namespaceUri : "");
+  struct InUse {
+    InUse() { t_inUse = true; }
+    ~InUse() { t_inUse = false; }
+  } inUse;
+  t_namespace.assign(namespaceUri ? namespaceUri : "");
+  writer->WriteStartElement(localName, t_namespace);
 }
 
 [[noreturn]] void ThrowElementsLeftOver(const CXmlElement* parentElement, const CXmlElement* cursor) {
@@ -166,7 +183,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* 
         const std::string defaultNamespace = ctx.GetDefaultNamespaceURI();
         if (!defaultNamespace.empty()) writer->SetDefaultNamespace(defaultNamespace);
       }
-      writer->WriteStartElement(GetElementName(), elementNamespace ? elementNamespace : "");
+      WriteStartElement(writer, GetElementName(), elementNamespace);
       if (isRoot) {
         // The caller's extra attributes come first on the root element.
         const CSmartPtr<CAttributeCol> extra = ctx.GetAdditionalRootAttributes();
@@ -193,8 +210,11 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* 
         ReadProperty(info->valuePropertyId, value);
         if (value.IsNil())
           writer->WriteAttributeNil();
-        else if (value.IsValid())  // an unset value writes no text
-          writer->WriteString(value.ToString(info->valueFormat.c_str()), ItemTypeOf(value));
+        else if (value.IsValid()) {  // an unset value writes no text
+          const ItemType type = ItemTypeOf(value);
+          std::string scratch;
+          writer->WriteString(VariantText(value, info->valueFormat.c_str(), scratch), type);
+        }
       }
     } else {
       writer->WriteAttributeNil();

@@ -12,6 +12,8 @@
 #include "binding/VariantItemType.h"
 #include "members/MembersMessages.h"
 #include "members/RecordCore.h"
+#include "types/VariantAccess.h"
+#include "types/VariantText.h"
 
 namespace KoXmlLib10Data {
 
@@ -49,7 +51,9 @@ bool CElementInfo::ElementToXmlPrim(const CXmlSerializationContext&, const CXmlG
     return true;
   }
   CheckRestriction(value);
-  WriteTextElement(*this, writer, value.ToString(numberFormat.c_str()), KoXmlLib10::ItemTypeOf(value));
+  const ItemType type = KoXmlLib10::ItemTypeOf(value);
+  std::string scratch;
+  WriteTextElement(*this, writer, KoXmlLib10::VariantText(value, numberFormat.c_str(), scratch), type);
   return true;
 }
 
@@ -71,19 +75,24 @@ bool CElementInfo::ElementToXmlEnum(const CXmlSerializationContext&, const CXmlG
 }
 
 // The object writes its own element (or only its content, as a pseudo element).
+// It is used through the variant's reference: taking references of our own
+// would lock the object twice more for every member written.
 bool CElementInfo::ElementToXmlCls(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* owner,
                                    CXmlWriter* writer, bool choiceMayBeEmpty) const {
-  CSmartPtr<CXmlObjectBase> object = core::PropertyObject(*this, owner);
+  KoVariant value;
+  ReadProperty(owner, value);
+  const CXmlObjectBase* object = KoXmlLib10::KoVariantAccess::Object(value);
   if (!object) return false;
-  CXmlObjectBase::ToXml_Int(object.get(), writer, false, elementNamespace.c_str(), ctx, choiceMayBeEmpty);
+  CXmlObjectBase::ToXml_Int(object, writer, false, elementNamespace.c_str(), ctx, choiceMayBeEmpty);
   return true;
 }
 
 // The collection writes one element per item; an empty one writes nothing.
 bool CElementInfo::ElementToXmlCol(const CXmlSerializationContext& ctx, const CXmlGeneratedClass* owner,
                                    CXmlWriter* writer) const {
-  CSmartPtr<CXmlObjectBase> object = core::PropertyObject(*this, owner);
-  auto* collection = dynamic_cast<KoXmlLib10::CXmlCollectionBase*>(object.get());
+  KoVariant value;
+  ReadProperty(owner, value);
+  auto* collection = dynamic_cast<KoXmlLib10::CXmlCollectionBase*>(KoXmlLib10::KoVariantAccess::Object(value));
   if (!collection) return false;
   if (collection->GetCount() <= 0) return false;
   CXmlObjectBase::ToXml_Int(collection, writer, false, elementNamespace.c_str(), ctx, false);

@@ -1,11 +1,13 @@
 #include "KoXmlLib10/Facets.h"
 
 #include <string_view>
+#include <type_traits>
 
 #include "KoXmlLib10/Conversions.h"
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/XmlObjectHelper.h"
-#include "members/Utf8Text.h"
+#include "members/RegEx.h"
+#include "types/VariantAccess.h"
 
 namespace KoXmlLib10 {
 
@@ -66,6 +68,37 @@ bool PassesMaxInclusive(int order) { return order == Equal || order == Less || o
 bool PassesMinExclusive(int order) { return order == Greater || order == Indeterminate; }
 bool PassesMaxExclusive(int order) { return order == Less || order == Indeterminate; }
 
+// A bound's value, converted from its text once per thread and kept: every
+// value written is checked against the bounds of its member. Entries are
+// keyed by the text and the conversion (the same text reads differently as a
+// date and as a dateTime); decimals also by the precision limit they were
+// read under. A text that does not convert is not kept and throws each time.
+template <class T, class Parse>
+const T& ConvertedBound(const std::string& text, Parse parse) {
+  struct Entry {
+    std::string text;
+    Parse parse = nullptr;
+    int precision = 0;
+    T value{};
+  };
+  constexpr size_t kEntries = 8;
+  thread_local Entry entries[kEntries];
+  thread_local size_t next = 0;
+  int precision = 0;
+  if constexpr (std::is_same_v<T, CDecimal>) precision = CDecimal::m_maxDivider;
+  for (Entry& entry : entries)
+    if (entry.parse == parse && entry.precision == precision && entry.text == text) return entry.value;
+  T value = parse(text, kCollapse);
+  Entry& entry = entries[next];
+  next = (next + 1) % kEntries;
+  entry.parse = nullptr;  // not a valid entry until it is complete
+  entry.text = text;
+  entry.value = std::move(value);
+  entry.precision = precision;
+  entry.parse = parse;
+  return entry.value;
+}
+
 // Tests the set bounds in facet order; `parse` converts a bound's text with
 // the member type's own conversion, `fail` reports the value.
 template <class T, class Parse, class Fail>
@@ -79,7 +112,7 @@ void CheckBounds(const T& value, const CPrimitiveRestrictions& r, Parse parse, F
                 {r.maxExclusive, PassesMaxExclusive}};
   for (const auto& bound : bounds) {
     if (bound.text.empty()) continue;
-    const T limit = parse(bound.text, kCollapse);
+    const T& limit = ConvertedBound<T>(bound.text, parse);
     if (!bound.passes(OrderOf(value, limit))) fail();
   }
 }
@@ -106,10 +139,24 @@ void CheckBinary(const char* name, const CBinaryData& value, const CPrimitiveRes
   if (BreaksLength(value.GetLength(), r)) FailText(name, value.GetAsHexString());
 }
 
+void CheckString(const char* name, const std::string& value, const CPrimitiveRestrictions& r) {
+  if (BreaksLength(value.size(), r)) FailText(name, value);
+  if (!r.pattern.empty() && !MatchesPattern(r.pattern, value)) FailText(name, value);
+}
+
+// The value a heap kind holds, or the default value its getter would give.
+template <class T>
+const T& HeldOrDefault(const T* held) {
+  static const T kDefault{};
+  return held ? *held : kDefault;
+}
+
 }  // namespace
 
+// The heap kinds are checked in place: the getters would copy every value.
 void CXmlObjectHelper::CheckRestriction(const char* name, const KoVariant& value, ItemType type,
                                         const CPrimitiveRestrictions& r) {
+  using A = KoVariantAccess;
   switch (type) {
     case ItemType_hexBinary: return CheckRestrictionForhexBinary(name, value.GetHexBinary(), r);
     case ItemType_base64Binary: return CheckRestrictionForbase64Binary(name, value.GetBase64Binary(), r);
@@ -124,18 +171,19 @@ void CXmlObjectHelper::CheckRestriction(const char* name, const KoVariant& value
     case ItemType_r4: return CheckRestrictionForr4(name, value.GetR4(), r);
     case ItemType_r8: return CheckRestrictionForr8(name, value.GetR8(), r);
     case ItemType_duration: return CheckRestrictionForduration(name, value.GetDuration(), r);
-    case ItemType_yearMonth: return CheckRestrictionForyearMonth(name, value.GetYearMonth(), r);
-    case ItemType_monthDay: return CheckRestrictionFormonthDay(name, value.GetMonthDay(), r);
+    case ItemType_yearMonth:
+      return CheckRestrictionForyearMonth(name, HeldOrDefault(A::DateTime(value)), r);
+    case ItemType_monthDay: return CheckRestrictionFormonthDay(name, HeldOrDefault(A::DateTime(value)), r);
     case ItemType_year: return CheckRestrictionForyear(name, value.GetYear(), r);
     case ItemType_month: return CheckRestrictionFormonth(name, value.GetMonth(), r);
     case ItemType_day: return CheckRestrictionForday(name, value.GetDay(), r);
-    case ItemType_date: return CheckRestrictionFordate(name, value.GetDate(), r);
-    case ItemType_datetime: return CheckRestrictionFordatetime(name, value.GetDateTime(), r);
-    case ItemType_time: return CheckRestrictionFortime(name, value.GetTime(), r);
-    case ItemType_string: return CheckRestrictionForstring(name, value.GetString(), r);
+    case ItemType_date: return CheckRestrictionFordate(name, HeldOrDefault(A::DateTime(value)), r);
+    case ItemType_datetime: return CheckRestrictionFordatetime(name, HeldOrDefault(A::DateTime(value)), r);
+    case ItemType_time: return CheckRestrictionFortime(name, HeldOrDefault(A::DateTime(value)), r);
+    case ItemType_string: return CheckString(name, HeldOrDefault(A::String(value)), r);
     case ItemType_boolean: return CheckRestrictionForboolean(name, value.GetBoolean(), r);
-    case ItemType_decimal: return CheckRestrictionFordecimal(name, value.GetDecimal(), r);
-    case ItemType_integer: return CheckRestrictionForinteger(name, value.GetInteger(), r);
+    case ItemType_decimal: return CheckRestrictionFordecimal(name, HeldOrDefault(A::Decimal(value)), r);
+    case ItemType_integer: return CheckRestrictionForinteger(name, HeldOrDefault(A::Integer(value)), r);
     default: throw CKoInvalidValueException("unknown type [" + value.GetType() + "]");
   }
 }
@@ -230,8 +278,7 @@ void CXmlObjectHelper::CheckRestrictionForboolean(const char*, bool, const CPrim
 
 void CXmlObjectHelper::CheckRestrictionForstring(const char* name, std::string value,
                                                  const CPrimitiveRestrictions& r) {
-  if (BreaksLength(value.size(), r)) FailText(name, value);
-  if (!r.pattern.empty() && !TestRegEx(LocalTextAsUtf8(r.pattern), value)) FailText(name, value);
+  CheckString(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForbase64Binary(const char* name, const CBinaryData& value,

@@ -15,6 +15,7 @@
 #include "KoXmlLib10/XmlWriter.h"
 #include "binding/VariantItemType.h"
 #include "members/MembersMessages.h"
+#include "types/VariantText.h"
 
 namespace KoXmlLib10Data::core {
 
@@ -447,19 +448,23 @@ bool ValidateAllCollection(const CElementInfo& record, const CXmlSerializationCo
 
 namespace {
 
-std::string Text(const KoVariant& value, const PrimAttributeCodec& codec) {
-  return value.ToString(codec.record.numberFormat.c_str());
+const std::string& Text(const KoVariant& value, const PrimAttributeCodec& codec, std::string& scratch) {
+  return KoXmlLib10::VariantText(value, codec.record.numberFormat.c_str(), scratch);
 }
-std::string Text(const KoVariant& value, const EnumAttributeCodec& codec) {
+const std::string& Text(const KoVariant& value, const EnumAttributeCodec& codec, std::string& scratch) {
   const long number = value.GetI4();
   const char* text = codec.record.enumToText(static_cast<int>(number));
   if (!text)
     throw CKoInvalidValueException(FormatString(msg::kNoEnumerationText, codec.record.attributeName.c_str(), number));
-  return text;
+  return scratch.assign(text);
 }
 ItemType TypeOf(const KoVariant& value, const PrimAttributeCodec&) { return KoXmlLib10::ItemTypeOf(value); }
 ItemType TypeOf(const KoVariant&, const EnumAttributeCodec&) { return KoXmlLib10::ItemType_string; }
-void Check(const KoVariant& value, const PrimAttributeCodec& codec) { codec.record.CheckRestriction(value); }
+// The record's own check takes the value by copy; the facets are the same.
+void Check(const KoVariant& value, const PrimAttributeCodec& codec) {
+  KoXmlLib10::CXmlObjectHelper::CheckRestriction(codec.record.attributeName.c_str(), value, codec.record.itemType,
+                                                 codec.record.restrictions);
+}
 void Check(const KoVariant&, const EnumAttributeCodec&) {}  // enumerations have no facets
 
 template <class Codec>
@@ -469,7 +474,8 @@ void WriteValueAttribute(const CAttributeInfo& record, const CXmlSerializationCo
   record.ReadProperty(owner, value);
   if (record.optional && !value.IsValid()) return;
   // A mandatory attribute is always converted: an unset value fails here.
-  const std::string text = Text(value, codec);
+  std::string scratch;
+  const std::string& text = Text(value, codec, scratch);
   // Only an exact copy of the default text is left out.
   if (record.optional && !record.defaultValue.empty() && ctx.GetNoOptionalAttributeDefaultOutput() &&
       text == record.defaultValue)

@@ -18,4 +18,13 @@ std::string LocalTextAsUtf8(const std::string& text) {
   return converted.substr(0, converted.find('\0'));
 }
 
+const std::string& LocalTextAsUtf8(const std::string& text, std::string& scratch) {
+  const bool plain = std::all_of(text.begin(), text.end(), [](char c) {
+    return c != '\0' && static_cast<unsigned char>(c) < 0x80;
+  });
+  if (plain) return text;
+  scratch = LocalTextAsUtf8(text);
+  return scratch;
+}
+
 }  // namespace KoXmlLib10

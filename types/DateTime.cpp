@@ -605,42 +605,98 @@ std::string CDateTime::ToString(const char* format) const {
   // An unknown format is answered in the result, not thrown: callers print
   // whatever comes back.
   if (std::strcmp(format, "s") != 0) return std::string("Unknown Format: ") + format;
-  return FieldsToString() + ZoneToString();
+  std::string text = FieldsToString();
+  if (m_utc) text += ZoneToString();
+  return text;
 }
 
+namespace {
+
+// `value` in decimal, zero-padded to at least `width` digits. Values are
+// written for every date and time the writers put out, so this stays clear
+// of printf and temporaries.
+void AppendPadded(std::string& out, unsigned int value, unsigned int width) {
+  char digits[16];
+  char* end = digits + sizeof digits;
+  char* p = end;
+  do {
+    *--p = static_cast<char>('0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  for (unsigned int n = static_cast<unsigned int>(end - p); n < width; ++n) out += '0';
+  out.append(p, static_cast<size_t>(end - p));
+}
+
+}  // namespace
+
 std::string CDateTime::FieldsToString() const {
-  const std::string year = (m_year < 0 ? "-" : "") + PadZero(std::abs(m_year), 4);
-  const std::string month = PadZero(m_month, 2);
-  const std::string day = PadZero(m_day, 2);
-  const std::string time = PadZero(m_hour, 2) + ":" + PadZero(m_minute, 2) + ":" +
-                           PadZero(m_second, 2) + ToFracString(m_milli, m_micro, m_nano);
+  std::string text;
+  text.reserve(40);
+  const auto year = [&] {
+    if (m_year < 0) text += '-';
+    AppendPadded(text, static_cast<unsigned int>(std::abs(m_year)), 4);
+  };
+  const auto month = [&] { AppendPadded(text, m_month, 2); };
+  const auto day = [&] { AppendPadded(text, m_day, 2); };
+  const auto time = [&] {
+    AppendPadded(text, m_hour, 2);
+    text += ':';
+    AppendPadded(text, m_minute, 2);
+    text += ':';
+    AppendPadded(text, m_second, 2);
+    if (m_milli != 0 || m_micro != 0 || m_nano != 0) text += ToFracString(m_milli, m_micro, m_nano);
+  };
   switch (m_type) {
     case dt_dateTime:
-      return year + "-" + month + "-" + day + "T" + time;
+      year();
+      text += '-';
+      month();
+      text += '-';
+      day();
+      text += 'T';
+      time();
+      break;
     case dt_date:
-      return year + "-" + month + "-" + day;
+      year();
+      text += '-';
+      month();
+      text += '-';
+      day();
+      break;
     case dt_gYearMonth:
-      return year + "-" + month;
-    case dt_gYear:
-      return year;
-    case dt_time:
-      return time;
+      year();
+      text += '-';
+      month();
+      break;
+    case dt_gYear: year(); break;
+    case dt_time: time(); break;
     case dt_gDay:
-      return "---" + day;
+      text += "---";
+      day();
+      break;
     case dt_gMonth:
-      return "--" + month;
+      text += "--";
+      month();
+      break;
     case dt_gMonthDay:
-      return "--" + month + "-" + day;
-    default:
-      return std::string();
+      text += "--";
+      month();
+      text += '-';
+      day();
+      break;
+    default: break;
   }
+  return text;
 }
 
 std::string CDateTime::ZoneToString() const {
   if (!m_utc) return std::string();
   if (!m_hasTimeZone) return "Z";
-  return (m_zoneNegative ? "-" : "+") + PadZero(std::abs(m_zoneHour), 2) + ":" +
-         PadZero(m_zoneMinute, 2);
+  std::string text(1, m_zoneNegative ? '-' : '+');
+  AppendPadded(text, static_cast<unsigned int>(std::abs(m_zoneHour)), 2);
+  text += ':';
+  AppendPadded(text, m_zoneMinute, 2);
+  return text;
 }
 
 // ---- timeline ------------------------------------------------------------

@@ -115,6 +115,9 @@ class KOXML_API KoVariant {
   void Clear();
 
  private:
+  // The library's own writers read the held value in place (types/VariantAccess.h).
+  friend struct KoVariantAccess;
+
   template <class T>
   void StoreInPlace(std::int32_t type, T value);
   template <class T>
