@@ -19,31 +19,40 @@ namespace KoXmlLib10::readtext {
 // A buffer that grew beyond this is given back after use.
 constexpr size_t kKeptScratchBytes = size_t(16) << 10;
 
-// The text of `element` in a string that stays valid until the next call on
-// the same thread (or the end of the ScopedText that produced it).
+// The text of `element` as a string, valid while this object lives. The
+// thread's buffer is used unless an enclosing ScopedText holds it (code run
+// while a value is parsed might read another element); that one then gets a
+// string of its own.
 class ScopedText {
  public:
-  explicit ScopedText(const CXmlElement& element) : m_text(Scratch()) {
+  explicit ScopedText(const CXmlElement& element) : m_shared(!InUse()), m_text(m_shared ? Scratch() : m_own) {
     const std::string_view view = element.GetTextView();
     m_text.assign(view.data(), view.size());
+    if (m_shared) InUse() = true;  // only once nothing can throw any more
   }
   ~ScopedText() {
+    if (!m_shared) return;
     if (m_text.capacity() > kKeptScratchBytes)
       std::string().swap(m_text);
     else
       m_text.clear();
+    InUse() = false;
   }
   ScopedText(const ScopedText&) = delete;
   ScopedText& operator=(const ScopedText&) = delete;
   const std::string& Get() const { return m_text; }
 
  private:
-  // One buffer per thread; the conversions that read it never read another
-  // element's text before they are done with it.
   static std::string& Scratch() {
     thread_local std::string scratch;
     return scratch;
   }
+  static bool& InUse() {
+    thread_local bool inUse = false;
+    return inUse;
+  }
+  const bool m_shared;
+  std::string m_own;
   std::string& m_text;
 };
 
