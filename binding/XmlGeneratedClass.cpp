@@ -2,6 +2,7 @@
 
 #include <strings.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "KoXmlLib10/XmlWriter.h"
 #include "binding/BindingMessages.h"
 #include "binding/VariantItemType.h"
+#include "members/ReadText.h"
 #include "types/VariantText.h"
 
 namespace KoXmlLib10 {
@@ -294,10 +296,12 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
 
     if (info->HasSimpleContent()) {
       KoVariant value;
-      if (info->valueAsText)
-        value.SetString(element->GetText());
-      else
-        value.FromString(element->GetText(), info->valueType, CWhitespaceUtils::WhitespaceRule_None);
+      if (info->valueAsText) {
+        value.SetString(std::string(element->GetTextView()));
+      } else {
+        const readtext::ScopedText text(*element);
+        value.FromString(text.Get(), info->valueType, CWhitespaceUtils::WhitespaceRule_None);
+      }
       AccessProperty(info->valuePropertyId, false, value);
     }
     return cursor;
@@ -311,7 +315,12 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CXmlSerializationContext
                                                   bool rejectUnknownAttributes) {
   CAttributeInfo** records = GetClassAttributeInfo();
   const int count = CountRecords(records);
-  std::vector<bool> found(count, false);
+  // Classes have few attribute records: their flags live on the stack.
+  constexpr int kFlagsOnStack = 32;
+  bool flagsOnStack[kFlagsOnStack] = {};
+  std::unique_ptr<bool[]> flagsOnHeap;
+  if (count > kFlagsOnStack) flagsOnHeap.reset(new bool[count]());
+  bool* const found = flagsOnHeap ? flagsOnHeap.get() : flagsOnStack;
 
   for (CXmlAttribute* attribute : element->GetAttributes()) {
     // Namespace declarations and the schema-instance type and location

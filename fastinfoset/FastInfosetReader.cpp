@@ -73,6 +73,8 @@ CFastInfosetReader::~CFastInfosetReader() { Cleanup(); }
 void CFastInfosetReader::Cleanup() {
   m_alphabets.clear();
   m_spelledNames.clear();
+  m_elementNames.clear();
+  m_attributeNames.clear();
   m_vocabulary.reset();
   m_scratch.Free();
   m_position = m_end = nullptr;
@@ -82,6 +84,9 @@ bool CFastInfosetReader::Parse() {
   if (!ReadHeader()) return false;
   try {
     m_scratch.Allocate();
+    // Names known by index belong to the vocabulary of one document.
+    m_elementNames.clear();
+    m_attributeNames.clear();
     m_vocabulary = m_context.GetUseGeneratedVocabulary()
                        ? std::make_unique<CFIVocabulary>(*m_context.GetVocabulary())
                        : std::make_unique<CFIVocabulary>();
@@ -221,9 +226,9 @@ bool CFastInfosetReader::StartElement(unsigned char octet) {
     while (((declaration = Take()) & 0xFC) == 0xCC) NamespaceAttributeBit7(declaration);
     nameOctet = Take();
   }
-  QualifiedNameOrIndexBit3(nameOctet);
-  Spend(kNodeCost + m_namespaceUri.size() + m_localName.size());
-  CXmlElement* element = m_store.Start(m_store.Name(m_namespaceUri, m_localName));
+  const CXmlNodeName* name = QualifiedNameOrIndexBit3(nameOctet);
+  Spend(kNodeCost + name->namespaceUri.size() + name->localName.size());
+  CXmlElement* element = m_store.Start(name);
   if (!(octet & 0x40)) return true;
 
   unsigned char next;
@@ -241,10 +246,10 @@ void CFastInfosetReader::NamespaceAttributeBit7(unsigned char octet) {
 }
 
 void CFastInfosetReader::AtrributeBit2(CXmlElement* element, unsigned char octet) {
-  QualifiedNameOrIndexBit2(octet);
+  const CXmlNodeName* name = QualifiedNameOrIndexBit2(octet);
   const std::string_view value = NonIdentifyingStringOrIndexBit1(m_vocabulary->GetAttributeValuesTable());
-  Spend(kNodeCost + m_namespaceUri.size() + m_localName.size() + value.size());
-  m_store.AddAttribute(element, m_store.Name(m_namespaceUri, m_localName), value);
+  Spend(kNodeCost + name->namespaceUri.size() + name->localName.size() + value.size());
+  m_store.AddAttribute(element, name, value);
 }
 
 void CFastInfosetReader::CharacterChunk(unsigned char octet) {
@@ -255,20 +260,29 @@ void CFastInfosetReader::CharacterChunk(unsigned char octet) {
 
 // ---- names -----------------------------------------------------------------
 
-void CFastInfosetReader::QualifiedNameOrIndexBit3(unsigned char octet) {
+const CXmlNodeName* CFastInfosetReader::QualifiedNameOrIndexBit3(unsigned char octet) {
   CFIQNameTable& names = m_vocabulary->GetElementNamesTable();
-  if ((octet & 0x3C) == 0x3C)
-    ReadQName(octet, names);
-  else
-    NameFromTable(Integer1To2pw20Bit3(octet), names);
+  if ((octet & 0x3C) != 0x3C) return NameAt(Integer1To2pw20Bit3(octet), names, m_elementNames);
+  ReadQName(octet, names);
+  return m_store.Name(m_namespaceUri, m_localName);
 }
 
-void CFastInfosetReader::QualifiedNameOrIndexBit2(unsigned char octet) {
+const CXmlNodeName* CFastInfosetReader::QualifiedNameOrIndexBit2(unsigned char octet) {
   CFIQNameTable& names = m_vocabulary->GetAttributeNamesTable();
-  if ((octet & 0x78) == 0x78)
-    ReadQName(octet, names);
-  else
-    NameFromTable(Integer1To2pw20Bit2(octet), names);
+  if ((octet & 0x78) != 0x78) return NameAt(Integer1To2pw20Bit2(octet), names, m_attributeNames);
+  ReadQName(octet, names);
+  return m_store.Name(m_namespaceUri, m_localName);
+}
+
+const CXmlNodeName* CFastInfosetReader::NameAt(uint32_t index, const CFIQNameTable& names,
+                                               std::vector<const CXmlNodeName*>& known) {
+  // A known entry was valid when it was met, and tables only grow.
+  if (index < known.size() && known[index]) return known[index];
+  NameFromTable(index, names);
+  const CXmlNodeName* name = m_store.Name(m_namespaceUri, m_localName);
+  if (index >= known.size()) known.resize(std::max<size_t>(index + 1, 2 * known.size()));
+  known[index] = name;
+  return name;
 }
 
 void CFastInfosetReader::ReadQName(unsigned char octet, CFIQNameTable& names) {

@@ -56,10 +56,15 @@ class CFastInfosetReader {
   void NamespaceAttributeBit7(unsigned char octet);
   void AtrributeBit2(CXmlElement* element, unsigned char octet);
   void CharacterChunk(unsigned char octet);
-  void QualifiedNameOrIndexBit2(unsigned char octet);
-  void QualifiedNameOrIndexBit3(unsigned char octet);
+  // The document's shared name for an attribute (Bit2) or element (Bit3)
+  // name, literal or by index.
+  const CXmlNodeName* QualifiedNameOrIndexBit2(unsigned char octet);
+  const CXmlNodeName* QualifiedNameOrIndexBit3(unsigned char octet);
   void ReadQName(unsigned char octet, CFIQNameTable& names);
   void NameFromTable(uint32_t index, const CFIQNameTable& names);
+  // The shared name of table entry `index`, looked up once per entry:
+  // entries never change while a document is read.
+  const CXmlNodeName* NameAt(uint32_t index, const CFIQNameTable& names, std::vector<const CXmlNodeName*>& known);
   uint32_t IdentifyingStringOrIndex(CFIStringTable& table, std::string& value);
   std::string_view NonIdentifyingStringOrIndexBit1(CFIStringTable& table);
   std::string_view NonIdentifyingStringOrIndexBit3(unsigned char octet, CFIStringTable& table);
@@ -134,6 +139,10 @@ class CFastInfosetReader {
     std::string localName;
   };
   std::map<std::pair<const CFIQNameTable*, uint32_t>, SpelledName> m_spelledNames;
+  // Shared names of the element and attribute name table entries met so
+  // far, by index.
+  std::vector<const CXmlNodeName*> m_elementNames;
+  std::vector<const CXmlNodeName*> m_attributeNames;
   uint64_t m_budget = 0;
 };
 

@@ -15,6 +15,7 @@
 #include "KoXmlLib10/XmlWriter.h"
 #include "binding/VariantItemType.h"
 #include "members/MembersMessages.h"
+#include "members/ReadText.h"
 #include "types/VariantText.h"
 
 namespace KoXmlLib10Data::core {
@@ -113,15 +114,16 @@ void Parse(const CElementInfo&, const std::string& text, KoVariant& value, const
 template <class Codec>
 void ReadValueElement(const CElementInfo& record, const ReadArgs& a, CXmlElement* element, const Codec& codec) {
   KoVariant value;
-  const std::string& nil = element->GetAttribute("nil", kSchemaInstanceNamespace);
-  if (!nil.empty() && !IsTrueOrFalseText(nil, "false", "0")) {
+  const std::string* nil = KoXmlLib10::readtext::FindAttribute(*element, "nil", kSchemaInstanceNamespace);
+  if (nil && !nil->empty() && !IsTrueOrFalseText(*nil, "false", "0")) {
     if (!record.nillable)
       throw CKoValidationException(FormatString(msg::kNilOnNonNillable, record.elementName.c_str()));
-    if (!IsTrueOrFalseText(nil, "true", "1"))
-      throw CKoValidationException(FormatString(msg::kUnexpectedNilValue, nil.c_str()));
+    if (!IsTrueOrFalseText(*nil, "true", "1"))
+      throw CKoValidationException(FormatString(msg::kUnexpectedNilValue, nil->c_str()));
     value.SetNil();
   } else {
-    Parse(record, element->GetText(), value, codec);
+    const KoXmlLib10::readtext::ScopedText text(*element);
+    Parse(record, text.Get(), value, codec);
   }
   record.AccessProperty(a.owner, false, value);
   *a.cursor = element->GetNextSiblingElement();

@@ -113,7 +113,8 @@ CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement*, CXmlElement* cursor, 
                                              bool) {
   const std::string name = GetElementName();
   while (cursor && CXmlObjectHelper::DoesElementNameMatch(ctx, cursor, name, m_namespace)) {
-    AddFromString(cursor->GetText());
+    // From the view: GetText would give the element a string of its own.
+    AddFromString(std::string(cursor->GetTextView()));
     cursor = cursor->GetNextSiblingElement();
   }
   return cursor;

@@ -15,6 +15,7 @@
 #include <string_view>
 
 #include "KoXmlLib10/Exceptions.h"
+#include "types/RuledText.h"
 
 namespace KoXmlLib10 {
 
@@ -168,16 +169,17 @@ std::string CConversions::integerToString(const CBigInteger& value) { return val
 // ---- from text ---------------------------------------------------------------
 
 long long CConversions::i8FromString(const std::string& text, WhitespaceRule rule) {
-  return ParseInteger<long long>(CWhitespaceUtils::ApplyRule(rule, text), "i8", std::strtoll);
+  return ParseInteger<long long>(CRuledText(rule, text), "i8", std::strtoll);
 }
 
 unsigned long long CConversions::ui8FromString(const std::string& text, WhitespaceRule rule) {
-  return ParseInteger<unsigned long long>(CWhitespaceUtils::ApplyRule(rule, text), "ui8",
+  return ParseInteger<unsigned long long>(CRuledText(rule, text), "ui8",
                                           std::strtoull);
 }
 
 long CConversions::i4FromString(const std::string& text, WhitespaceRule rule) {
-  const std::string t = CWhitespaceUtils::ApplyRule(rule, text);
+  const CRuledText ruled(rule, text);
+  const std::string& t = ruled.Get();
   const long value = ParseInteger<long>(t, "i4", std::strtol);
   if (value < INT32_MIN || value > INT32_MAX) FailTooLarge(t, "i4");
   return value;
@@ -186,7 +188,8 @@ long CConversions::i4FromString(const std::string& text, WhitespaceRule rule) {
 // The 32-bit strtoul grammar on a wider unsigned long: the magnitude must fit
 // in 32 bits, and a leading minus wraps it within 32 bits ('-1' is 4294967295).
 unsigned long CConversions::ui4FromString(const std::string& text, WhitespaceRule rule) {
-  const std::string t = CWhitespaceUtils::ApplyRule(rule, text);
+  const CRuledText ruled(rule, text);
+  const std::string& t = ruled.Get();
   const unsigned long value = ParseInteger<unsigned long>(t, "ui4", std::strtoul);
   const bool negative = StartsWithMinus(t);
   const unsigned long magnitude = negative ? 0 - value : value;
@@ -219,15 +222,16 @@ unsigned char CConversions::ui1FromString(const std::string& text, WhitespaceRul
 }
 
 double CConversions::r8FromString(const std::string& text, WhitespaceRule rule) {
-  return ParseReal(CWhitespaceUtils::ApplyRule(rule, text), "r8");
+  return ParseReal(CRuledText(rule, text), "r8");
 }
 
 float CConversions::r4FromString(const std::string& text, WhitespaceRule rule) {
-  return static_cast<float>(ParseReal(CWhitespaceUtils::ApplyRule(rule, text), "r4"));
+  return static_cast<float>(ParseReal(CRuledText(rule, text), "r4"));
 }
 
 bool CConversions::booleanFromString(const std::string& text, WhitespaceRule rule) {
-  const std::string t = CWhitespaceUtils::ApplyRule(rule, text);
+  const CRuledText ruled(rule, text);
+  const std::string& t = ruled.Get();
   const char* s = t.c_str();
   if (strcasecmp(s, "true") == 0 || strcasecmp(s, "1") == 0) return true;
   if (strcasecmp(s, "false") == 0 || strcasecmp(s, "0") == 0) return false;
@@ -238,7 +242,8 @@ bool CConversions::booleanFromString(const std::string& text, WhitespaceRule rul
 }
 
 char CConversions::charFromString(const std::string& text, WhitespaceRule rule) {
-  const std::string t = CWhitespaceUtils::ApplyRule(rule, text);
+  const CRuledText ruled(rule, text);
+  const std::string& t = ruled.Get();
   if (t.size() != 1)
     throw CKoInvalidValueException(FormatString(
         "The value [%s] can not be a char as it is either empty of greater than 1 char long",
@@ -247,74 +252,74 @@ char CConversions::charFromString(const std::string& text, WhitespaceRule rule) 
 }
 
 std::string CConversions::stringFromString(const std::string& text, WhitespaceRule rule) {
-  return CWhitespaceUtils::ApplyRule(rule, text);
+  return CRuledText(rule, text).Get();
 }
 
 CDecimal CConversions::decimalFromString(const std::string& text, WhitespaceRule rule) {
-  return CDecimal(CWhitespaceUtils::ApplyRule(rule, text).c_str());
+  return CDecimal(CRuledText(rule, text).c_str());
 }
 
 CBigInteger CConversions::integerFromString(const std::string& text, WhitespaceRule rule) {
-  return CBigInteger(CWhitespaceUtils::ApplyRule(rule, text).c_str());
+  return CBigInteger(CRuledText(rule, text).c_str());
 }
 
 CDateTimeSpan CConversions::durationFromString(const std::string& text, WhitespaceRule rule) {
   CDateTimeSpan value;
-  value.ParseXSDDuration(CWhitespaceUtils::ApplyRule(rule, text).c_str());
+  value.ParseXSDDuration(CRuledText(rule, text).c_str());
   return value;
 }
 
 CBinaryData CConversions::hexBinaryFromString(const std::string& text, WhitespaceRule rule) {
   CBinaryData value;
-  value.SetAsHexString(CWhitespaceUtils::ApplyRule(rule, text).c_str());
+  value.SetAsHexString(CRuledText(rule, text).c_str());
   return value;
 }
 
 CBinaryData CConversions::base64BinaryFromString(const std::string& text, WhitespaceRule rule) {
   CBinaryData value;
-  value.SetAsBase64(CWhitespaceUtils::ApplyRule(rule, text).c_str());
+  value.SetAsBase64(CRuledText(rule, text).c_str());
   return value;
 }
 
 CDateTime CConversions::dateFromString(const std::string& text, WhitespaceRule rule) {
-  return ParseDate(CWhitespaceUtils::ApplyRule(rule, text), CDateTime::dt_date,
+  return ParseDate(CRuledText(rule, text), CDateTime::dt_date,
                    &CDateTime::ParseXSDDate);
 }
 
 CDateTime CConversions::timeFromString(const std::string& text, WhitespaceRule rule) {
-  return ParseDate(CWhitespaceUtils::ApplyRule(rule, text), CDateTime::dt_time,
+  return ParseDate(CRuledText(rule, text), CDateTime::dt_time,
                    &CDateTime::ParseXSDTime);
 }
 
 CDateTime CConversions::datetimeFromString(const std::string& text, WhitespaceRule rule) {
-  return ParseDate(CWhitespaceUtils::ApplyRule(rule, text), CDateTime::dt_dateTime,
+  return ParseDate(CRuledText(rule, text), CDateTime::dt_dateTime,
                    &CDateTime::ParseXSDDateTime);
 }
 
 CDateTime CConversions::yearMonthFromString(const std::string& text, WhitespaceRule rule) {
-  return ParseDate(CWhitespaceUtils::ApplyRule(rule, text), CDateTime::dt_gYearMonth,
+  return ParseDate(CRuledText(rule, text), CDateTime::dt_gYearMonth,
                    &CDateTime::ParseXSDDate);
 }
 
 CDateTime CConversions::monthDayFromString(const std::string& text, WhitespaceRule rule) {
-  return ParseDate(CWhitespaceUtils::ApplyRule(rule, text), CDateTime::dt_gMonthDay,
+  return ParseDate(CRuledText(rule, text), CDateTime::dt_gMonthDay,
                    &CDateTime::ParseXSDDate);
 }
 
 unsigned short CConversions::yearFromString(const std::string& text, WhitespaceRule rule) {
-  const CDateTime value = ParseDate(CWhitespaceUtils::ApplyRule(rule, text), CDateTime::dt_gYear,
+  const CDateTime value = ParseDate(CRuledText(rule, text), CDateTime::dt_gYear,
                                     &CDateTime::ParseXSDDate);
   return static_cast<unsigned short>(value.GetYear());
 }
 
 unsigned char CConversions::monthFromString(const std::string& text, WhitespaceRule rule) {
-  return ParseDate(CWhitespaceUtils::ApplyRule(rule, text), CDateTime::dt_gMonth,
+  return ParseDate(CRuledText(rule, text), CDateTime::dt_gMonth,
                    &CDateTime::ParseXSDDate)
       .GetMonth();
 }
 
 unsigned char CConversions::dayFromString(const std::string& text, WhitespaceRule rule) {
-  return ParseDate(CWhitespaceUtils::ApplyRule(rule, text), CDateTime::dt_gDay,
+  return ParseDate(CRuledText(rule, text), CDateTime::dt_gDay,
                    &CDateTime::ParseXSDDate)
       .GetDay();
 }

@@ -182,6 +182,12 @@ void* NewOwned(const T& value) {
   return std::make_unique<T>(value).release();
 }
 
+// A value made for the variant alone moves into its storage.
+template <class T>
+void* NewOwnedFrom(T&& value) {
+  return std::make_unique<T>(std::move(value)).release();
+}
+
 template <class T>
 T OwnedOrDefault(const T* p) {
   return p ? *p : T();
@@ -338,8 +344,8 @@ void KoVariant::FromString(const std::string& text, ItemType type,
   using C = CConversions;
   const std::string& t = text;
   switch (type) {
-    case ItemType_hexBinary: return SetHexBinary(C::hexBinaryFromString(t, rule));
-    case ItemType_base64Binary: return SetBase64Binary(C::base64BinaryFromString(t, rule));
+    case ItemType_hexBinary: return StoreOwned(ItemType_hexBinary, NewOwnedFrom(C::hexBinaryFromString(t, rule)));
+    case ItemType_base64Binary: return StoreOwned(ItemType_base64Binary, NewOwnedFrom(C::base64BinaryFromString(t, rule)));
     case ItemType_i1: return SetI1(C::i1FromString(t, rule));
     case ItemType_i2: return SetI2(C::i2FromString(t, rule));
     case ItemType_i4: return SetI4(C::i4FromString(t, rule));
@@ -362,8 +368,8 @@ void KoVariant::FromString(const std::string& text, ItemType type,
     case ItemType_char: return SetChar(C::charFromString(t, rule));
     case ItemType_string: return SetString(C::stringFromString(t, rule));
     case ItemType_boolean: return SetBoolean(C::booleanFromString(t, rule));
-    case ItemType_decimal: return SetDecimal(C::decimalFromString(t, rule));
-    case ItemType_integer: return SetInteger(C::integerFromString(t, rule));
+    case ItemType_decimal: return StoreOwned(ItemType_decimal, NewOwnedFrom(C::decimalFromString(t, rule)));
+    case ItemType_integer: return StoreOwned(ItemType_integer, NewOwnedFrom(C::integerFromString(t, rule)));
     default: FailConversionType(type);
   }
 }

@@ -2,6 +2,7 @@
 
 #include "KoXmlLib10/Conversions.h"
 #include "KoXmlLib10/Exceptions.h"
+#include "types/RuledText.h"
 
 namespace KoXmlLib10 {
 
@@ -27,6 +28,16 @@ bool IsCollapsed(std::string_view text) {
 }
 
 }  // namespace
+
+bool RuleKeepsText(CWhitespaceUtils::WhitespaceRule rule, const std::string& text) {
+  switch (rule) {
+    case CWhitespaceUtils::WhitespaceRule_None: return true;
+    case CWhitespaceUtils::WhitespaceRule_Preserve: return text.find('\r') == std::string::npos;
+    case CWhitespaceUtils::WhitespaceRule_Replace: return text.find_first_of("\r\n\t") == std::string::npos;
+    case CWhitespaceUtils::WhitespaceRule_Collapse: return IsCollapsed(text);
+  }
+  return false;
+}
 
 bool CWhitespaceUtils::IsWhiteSpace(char c) { return c == ' ' || IsLineOrTab(c); }
 

@@ -55,7 +55,12 @@ void CCustomer::Init() {
   m_name.clear();
   m_email.clear();
   m_phone.reset();
-  m_address = new CAddress("address");
+  if (IsHeldAlone(m_address.get())) {
+    m_address->SetElementName("address");
+    m_address->Init();
+  } else {
+    m_address = new CAddress("address");
+  }
   m_vip.reset();
 }
 

@@ -66,13 +66,24 @@ CAttributeInfo** COrder::GetClassAttributeInfo() { return g_records.Attributes()
 
 void COrder::Init() {
   m_placed = CDateTime();
-  m_customer = new CCustomer("customer");
-  m_items = new CItemCol("item", kTargetNamespace, 1, 8);
+  if (IsHeldAlone(m_customer.get())) {
+    m_customer->SetElementName("customer");
+    m_customer->Init();
+  } else {
+    m_customer = new CCustomer("customer");
+  }
+  if (IsHeldAlone(m_items.get()))
+    m_items->Clear();
+  else
+    m_items = new CItemCol("item", kTargetNamespace, 1, 8);
   m_note.reset();
   m_total = CDecimal();
   m_paid = false;
-  m_tags = new CstringCol("tag", kTargetNamespace, 0, 3, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1,
-                          CWhitespaceUtils::WhitespaceRule_Preserve, nullptr);
+  if (IsHeldAlone(m_tags.get()))
+    m_tags->Clear();
+  else
+    m_tags = new CstringCol("tag", kTargetNamespace, 0, 3, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1,
+                            CWhitespaceUtils::WhitespaceRule_Preserve, nullptr);
   m_id = 0;
   m_status.reset();
   m_currency.reset();

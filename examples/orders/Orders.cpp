@@ -35,7 +35,12 @@ CParentElementInfo* COrders::GetClassInfo() { return g_records.Info(); }
 CElementInfo** COrders::GetClassElementInfo() { return g_records.Elements(); }
 CAttributeInfo** COrders::GetClassAttributeInfo() { return g_records.Attributes(); }
 
-void COrders::Init() { m_orders = new COrderCol("order", kTargetNamespace, 0, -1); }
+void COrders::Init() {
+  if (IsHeldAlone(m_orders.get()))
+    m_orders->Clear();
+  else
+    m_orders = new COrderCol("order", kTargetNamespace, 0, -1);
+}
 
 void COrders::AccessProperty(int propertyId, bool get, KoVariant& value) {
   if (propertyId == kOrders && get) value.SetXmlCollection(m_orders.get());

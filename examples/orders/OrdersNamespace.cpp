@@ -12,4 +12,11 @@ const bool g_announced = (KoXmlLib10::SetGeneratorVersion(10, 1), true);
 
 void AnnounceGeneratorVersion() { (void)g_announced; }
 
+bool IsHeldAlone(KoXmlLib10::CXmlObjectBase* member) {
+  if (!member) return false;
+  const int references = member->AddRef();
+  member->Release();
+  return references == 2;
+}
+
 }  // namespace orders

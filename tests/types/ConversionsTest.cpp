@@ -191,3 +191,45 @@ TEST(Conversions, OtherKindsBothWays) {
   EXPECT_EQ(C::hexBinaryToString(C::hexBinaryFromString(" 0aFF ", kCollapse)), "0AFF");
   EXPECT_EQ(C::base64BinaryFromString("aGVsbG8=", kCollapse), CBinaryData("hello"));
 }
+
+// Every conversion reads its text after the whitespace rule, whether the
+// rule changes the text or leaves it as it is: the result equals the
+// conversion of the text with the rule already applied.
+TEST(Conversions, ReadTheTextAsTheWhitespaceRuleLeavesIt) {
+  const auto kReplace = WS::WhitespaceRule_Replace;
+  const std::string texts[] = {"12",     " 12",    "12 ",     "1  2",    "1 2",        "\t12",   "12\n",
+                               "1\r\n2", "1\r2",   "",        " ",       "true",       " true ", "0\t",
+                               "12.50",  "-0.5",   " 1e2 ",   "abc",     "2024-01-02", "a b c",  "a  b",
+                               std::string("1\0 2", 4), std::string("\0", 1)};
+  for (const auto rule : {kNone, kPreserve, kReplace, kCollapse}) {
+    for (const std::string& text : texts) {
+      SCOPED_TRACE("rule " + std::to_string(rule) + " text [" + text + "]");
+      const std::string ruled = WS::ApplyRule(rule, text);
+      EXPECT_EQ(C::stringFromString(text, rule), ruled);
+      // Both sides either give the same value or fail with the same message
+      // (the Boolean message quotes the text as given, so only its failure
+      // is compared).
+      auto same = [&](auto convert, bool compareMessages = true) {
+        std::string expected, actual;
+        try {
+          expected = convert(ruled, kNone);
+        } catch (const CKoException& e) {
+          expected = "failed: " + (compareMessages ? e.GetMessage() : std::string());
+        }
+        try {
+          actual = convert(text, rule);
+        } catch (const CKoException& e) {
+          actual = "failed: " + (compareMessages ? e.GetMessage() : std::string());
+        }
+        EXPECT_EQ(actual, expected);
+      };
+      same([](const std::string& t, WS::WhitespaceRule r) { return std::to_string(C::i4FromString(t, r)); });
+      same([](const std::string& t, WS::WhitespaceRule r) { return std::to_string(C::r8FromString(t, r)); });
+      same([](const std::string& t, WS::WhitespaceRule r) { return C::decimalToString(C::decimalFromString(t, r)); });
+      same([](const std::string& t, WS::WhitespaceRule r) { return C::integerToString(C::integerFromString(t, r)); });
+      same([](const std::string& t, WS::WhitespaceRule r) { return std::to_string(C::booleanFromString(t, r)); },
+           false);
+      same([](const std::string& t, WS::WhitespaceRule r) { return C::dateToString(C::dateFromString(t, r)); });
+    }
+  }
+}
