@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "KoXmlLib10/Exceptions.h"
+#include "fastinfoset/ZipMessages.h"
 
 namespace KoXmlLib10 {
 
@@ -191,18 +192,13 @@ void CKoZip::Decompress(unsigned char** data, unsigned long* length, const CInfl
     if (status < 0 || status > Z_STREAM_END) return;  // not one complete stream: left as it is
     const size_t produced = room - stream.avail_out;
     if (atLimit && produced > 0)
-      throw CKoException(FormatString(
-          "Failed to inflate the compressed input: it inflates to more than %llu bytes, the limit "
-          "on the inflated size.",
-          maxSize));
+      throw CKoException(FormatString(ZipMessages::kInflatedTooLarge, maxSize));
     out.Commit(produced);
     if (limits.maxRatio != 0 && out.Length() > limits.ratioAllowance &&
         out.Length() / limits.maxRatio > stream.total_in)
-      throw CKoException(FormatString(
-          "Failed to inflate the compressed input: %llu bytes inflated from %llu, more than %lu times "
-          "the compressed size, beyond the first %llu bytes.",
-          static_cast<unsigned long long>(out.Length()), static_cast<unsigned long long>(stream.total_in),
-          limits.maxRatio, limits.ratioAllowance));
+      throw CKoException(FormatString(ZipMessages::kInflateRatio, static_cast<unsigned long long>(out.Length()),
+                                      static_cast<unsigned long long>(stream.total_in), limits.maxRatio,
+                                      limits.ratioAllowance));
   }
 
   const unsigned long inflatedLength = static_cast<unsigned long>(out.Length());

@@ -27,17 +27,6 @@ bool IsInstanceNamespace(const std::string& uri) {
   return uri == XmlNames::kSchemaInstanceNamespace || uri == XmlNames::kXmlnsNamespace;
 }
 
-// Closes the file before a failure is reported, as every failure path must.
-struct FileCloser {
-  void operator()(FILE* f) const { std::fclose(f); }
-};
-using FilePtr = std::unique_ptr<FILE, FileCloser>;
-
-[[noreturn]] void ThrowFileError(FilePtr& file, const char* format, const char* path, const std::string& detail) {
-  file.reset();
-  throw CKoException(FormatString(format, path) + ": " + detail);
-}
-
 const std::string& EmptyString() {
   static const std::string empty;
   return empty;
@@ -322,7 +311,34 @@ CXmlDocument::CXmlDocument(ElementFilter filter, const CXmlSerializationContext&
   Init();
 }
 
+CXmlDocument::CXmlDocument(ElementFilterWithState filter, void* state)
+    : CXmlDocument(filter, state, CXmlSerializationContext::m_defaultContext) {}
+
+CXmlDocument::CXmlDocument(ElementFilterWithState filter, void* state, const CXmlSerializationContext& context)
+    : CXmlDocument(nullptr, context) {
+  SetElementFilter(filter, state);
+}
+
 CXmlDocument::~CXmlDocument() { CXmlDocument::Cleanup(); }
+
+void CXmlDocument::SetElementFilter(ElementFilter filter) {
+  m_filter = filter;
+  m_filterWithState = nullptr;
+  m_filterState = nullptr;
+}
+
+void CXmlDocument::SetElementFilter(ElementFilterWithState filter, void* state) {
+  // The tree calls a plain filter; this one finds its way back to the
+  // document (and so to the state) through the element's owner.
+  m_filter = filter ? CallFilterWithState : nullptr;
+  m_filterWithState = filter;
+  m_filterState = state;
+}
+
+bool CXmlDocument::CallFilterWithState(CXmlElement* element) {
+  const CXmlDocument* document = element->GetOwnerDocument();
+  return document->m_filterWithState(element, document->m_filterState);
+}
 
 void CXmlDocument::Init() {
   m_input.reset();
@@ -334,6 +350,8 @@ void CXmlDocument::Init() {
 }
 
 void CXmlDocument::Cleanup() {
+  m_pieceReader.reset();
+  m_pieceBytes = 0;
   m_input.reset();
   m_inputLength = 0;
   m_source = nullptr;
@@ -399,48 +417,6 @@ void CXmlDocument::LoadXmlStream(unsigned char* data, unsigned long size) {
   std::unique_ptr<unsigned char[]> input(new unsigned char[size]);
   std::memcpy(input.get(), data, size);
   ReplaceInput(input.release(), size);
-  Parse();
-}
-
-void CXmlDocument::Load(const char* path) {
-  Cleanup();
-  const char* shownPath = path ? path : "";
-  FilePtr file(path ? std::fopen(path, "rb") : nullptr);
-  if (!file) throw CKoException(FormatString("Failed to open the file [%s]", shownPath));
-
-  errno = 0;
-  const long size = _filelength(file.get());
-  if (size < 0)
-    ThrowFileError(file, "Failed to get the size of the file [%s]", shownPath,
-                   errno ? std::strerror(errno) : "the size cannot be determined");
-  if (size == 0) ThrowFileError(file, "Failed to read the contents of the file [%s]", shownPath, "the file is empty");
-  // A directory opens like a file but reports a meaningless size and cannot
-  // be read: read one byte before trusting the size with an allocation.
-  unsigned char probe;
-  errno = 0;
-  if (std::fread(&probe, 1, 1, file.get()) != 1)
-    ThrowFileError(file, "Failed to read the contents of the file [%s]", shownPath,
-                   errno ? std::strerror(errno) : "the file cannot be read");
-  errno = 0;
-  if (std::fseek(file.get(), 0, SEEK_SET) != 0)
-    ThrowFileError(file, "Failed to read the contents of the file [%s]", shownPath,
-                   errno ? std::strerror(errno) : "the file cannot be read from its start");
-
-  std::unique_ptr<unsigned char[]> input(new (std::nothrow) unsigned char[static_cast<size_t>(size)]);
-  if (!input)
-    ThrowFileError(file, "Failed to read the contents of the file [%s]", shownPath,
-                   FormatString("no memory for %ld bytes", size));
-  errno = 0;
-  const size_t read = std::fread(input.get(), 1, static_cast<size_t>(size), file.get());
-  if (read < static_cast<size_t>(size)) {
-    const std::string detail = std::ferror(file.get()) && errno
-                                   ? std::string(std::strerror(errno))
-                                   : FormatString("only %lu of %ld bytes could be read",
-                                                  static_cast<unsigned long>(read), size);
-    ThrowFileError(file, "Failed to read the contents of the file [%s]", shownPath, detail);
-  }
-  file.reset();
-  ReplaceInput(input.release(), static_cast<unsigned long>(size));
   Parse();
 }
 

@@ -170,6 +170,15 @@ class KOXML_API CXmlDocument {
   explicit CXmlDocument(ElementFilter filter);
   explicit CXmlDocument(const CXmlSerializationContext& context);
   CXmlDocument(ElementFilter filter, const CXmlSerializationContext& context);
+  // A filter that reaches the caller's state: `state` is handed back on
+  // every call, untouched (the document neither reads nor owns it). Apart
+  // from that it works as ElementFilter does.
+  using ElementFilterWithState = bool (*)(CXmlElement* element, void* state);
+  CXmlDocument(ElementFilterWithState filter, void* state);
+  CXmlDocument(ElementFilterWithState filter, void* state, const CXmlSerializationContext& context);
+  // Replace the filter between loads; null removes it.
+  void SetElementFilter(ElementFilter filter);
+  void SetElementFilter(ElementFilterWithState filter, void* state);
   CXmlDocument(const CXmlDocument&) = delete;
   CXmlDocument& operator=(const CXmlDocument&) = delete;
   virtual ~CXmlDocument();
@@ -181,7 +190,39 @@ class KOXML_API CXmlDocument {
   void LoadXml(const char* xml);
   void LoadXml(const wchar_t* xml);
   void LoadXmlStream(unsigned char* data, unsigned long size);
+  // Plain and gzip'd XML text is read from the file in pieces as it is
+  // parsed, so the file is never held whole; Fast Infoset and
+  // zlib-compressed files are read whole first.
   void Load(const char* path);
+
+  // ---- Reading a document in pieces ----
+  // For documents larger than memory, or made while they are read: with an
+  // element filter that drops what it has consumed, the memory a load uses
+  // stays flat whatever the size of the input. The tree and the failures
+  // are those of a load from one buffer (a failed load keeps the part of
+  // the tree built so far); the filter runs as the elements end, inside the
+  // calls below.
+  //
+  // Pushed pieces of XML text: BeginXmlChunks() empties the document and
+  // starts a load, each LoadXmlChunk() parses the bytes given (split
+  // anywhere, even inside a character; they need not outlive the call), and
+  // EndXmlChunks() ends the input, failing when the document is incomplete,
+  // and with "XML Stream is empty!" when no byte came. After a failure the
+  // load is over: LoadXmlChunk and EndXmlChunks without a load in progress
+  // throw CKoException.
+  void BeginXmlChunks();
+  void LoadXmlChunk(const char* data, size_t size);
+  void EndXmlChunks();
+  bool IsReadingChunks() const { return m_pieceReader != nullptr; }
+
+  // Pulled pieces: the source fills up to `capacity` bytes of `buffer` with
+  // the next bytes of the input and returns how many it wrote, 0 at the end
+  // of the input. It may throw; the exception ends the load and reaches the
+  // caller unchanged. The bytes are what LoadXmlStream takes: XML text,
+  // plain or gzip'd, is parsed as it arrives; Fast Infoset and zlib streams
+  // are gathered and loaded whole.
+  using XmlSource = size_t (*)(void* state, unsigned char* buffer, size_t capacity);
+  void LoadXmlFromSource(XmlSource read, void* state);
   // Inflates the input if it is compressed, then reads it as Fast Infoset or
   // as XML text.
   void Parse();
@@ -208,6 +249,12 @@ class KOXML_API CXmlDocument {
 
   void ReleaseTree();
   void ReplaceInput(unsigned char* data, unsigned long length);
+  // Where a load in pieces takes its bytes from (a file, a caller's source).
+  class CPieceSource;
+  // Parses plain and gzip'd text piece by piece; anything else is read
+  // whole and given to Parse().
+  void ReadPieces(CPieceSource& source);
+  static bool CallFilterWithState(CXmlElement* element);
   // Reads text straight from bytes the caller keeps during the call.
   void ParseTextFrom(const unsigned char* data, unsigned long length);
 
@@ -222,6 +269,12 @@ class KOXML_API CXmlDocument {
   SchemaType m_schemaType = SchemaTypeDefault;
   ElementFilter m_filter = nullptr;
   const CXmlSerializationContext* m_context;
+  // A filter with state is called through CallFilterWithState.
+  ElementFilterWithState m_filterWithState = nullptr;
+  void* m_filterState = nullptr;
+  // The parser of a load in pieces, between BeginXmlChunks and its end.
+  std::unique_ptr<CExpatReader> m_pieceReader;
+  unsigned long long m_pieceBytes = 0;
 };
 
 // Process-wide switch (initially false) kept for callers that set it; files
