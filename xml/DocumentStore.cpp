@@ -304,7 +304,9 @@ void CXmlDocumentStore::End(bool applyFilter) {
   if (m_open.empty()) m_pending.clear();
 
   const CXmlDocument::ElementFilter filter = m_document.m_filter;
-  if (!applyFilter || !filter || m_open.empty() || !filter(element)) return;
+  // The document element is shown to the filter too; having no parent, it
+  // is never dropped.
+  if (!applyFilter || !filter || !filter(element) || m_open.empty()) return;
   // The element that just ended is its parent's last child: nothing can
   // follow it while it is open. Unlinking it takes constant time.
   CXmlElement* parent = m_open.back().element;

@@ -246,6 +246,29 @@ bool DropEveryOtherChild(CXmlElement* element) {
 
 }  // namespace
 
+namespace {
+
+std::vector<std::string> g_filtered;
+
+bool DropEverything(CXmlElement* element) {
+  g_filtered.push_back(element->GetLocalName());
+  return true;
+}
+
+}  // namespace
+
+// Every element is offered once it ends, the document element last; the
+// document element has no parent to be dropped from, so it stays, empty.
+TEST(XmlDocument, FilterDroppingEverythingLeavesTheBareDocumentElement) {
+  g_filtered.clear();
+  CXmlDocument doc(DropEverything);
+  ASSERT_TRUE(LoadText(doc, "<r><a><b/></a><c/></r>"));
+  EXPECT_EQ(g_filtered, (std::vector<std::string>{"b", "a", "c", "r"}));
+  ASSERT_NE(doc.GetDocumentElement(), nullptr);
+  EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "r");
+  EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement(), nullptr);
+}
+
 TEST(XmlDocument, FilterDroppingEveryOtherOfManyChildren) {
   constexpr int kChildren = 50000;
   std::string xml = "<r>";
