@@ -20,7 +20,7 @@ CSmartPtr<CTeam> SampleTeam() {
   leader->lang = "en";
   leader->name = "Ada";
   leader->age = 36;
-  leader->tags = "a,b,c";
+  for (const char* tag : {"a", "b", "c"}) leader->tags->Add(tag);
   CSmartPtr<CAddress> address(new CAddress());
   address->street = "1 Main St";
   address->zip = 12345;
@@ -56,7 +56,7 @@ void ExpectSample(const CTeam& team) {
   EXPECT_EQ(team.leader->lang, "en");
   EXPECT_EQ(team.leader->name, "Ada");
   EXPECT_EQ(team.leader->age, 36);
-  EXPECT_EQ(team.leader->tags, "a,b,c");
+  EXPECT_EQ(team.leader->Tags(), "a,b,c");
   ASSERT_TRUE(team.leader->address);
   EXPECT_EQ(team.leader->address->street, "1 Main St");
   EXPECT_FALSE(team.leader->address->city);
@@ -135,7 +135,7 @@ TEST(EngineRoundTrip, FromAParsedElement) {
   CSmartPtr<CPerson> leader(new CPerson());
   leader->FromXmlElement(document.GetDocumentElement()->GetFirstElement(), Default());
   EXPECT_EQ(leader->GetElementName(), "leader");
-  EXPECT_EQ(leader->tags, "a,b,c");
+  EXPECT_EQ(leader->Tags(), "a,b,c");
 }
 
 }  // namespace

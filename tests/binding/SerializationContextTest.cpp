@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include "support/Throws.h"
+
 #include <KoXmlLib10.h>
 
 using namespace KoXmlLib10;
+using testsupport::Throws;
 
 TEST(SerializationContext, Defaults) {
   CXmlSerializationContext c;
@@ -26,15 +29,11 @@ TEST(SerializationContext, Defaults) {
 TEST(SerializationContext, IgnoringUnknownAndMissingExcludeEachOther) {
   CXmlSerializationContext c;
   c.SetIgnoreUnknownElements(true);
-  try {
-    c.SetIgnoreMissingMandatoryElements(true);
-    FAIL() << "expected an exception";
-  } catch (const CKoInvalidStateException& e) {
-    EXPECT_EQ(e.GetMessage(),
-              "The parser can only ignore additional elements, or ignore the fact that some "
+  EXPECT_TRUE(Throws<CKoInvalidStateException>(
+      [&] { c.SetIgnoreMissingMandatoryElements(true); },
+      "The parser can only ignore additional elements, or ignore the fact that some "
               "required ones are missing, you can not ignore both\nSet IgnoreUnknownElements to "
-              "false before setting IgnoreMissingMandatoryElements to true");
-  }
+              "false before setting IgnoreMissingMandatoryElements to true"));
   EXPECT_FALSE(c.GetIgnoreMissingMandatoryElements());
   c.SetIgnoreMissingMandatoryElements(false);
   c.SetIgnoreUnknownElements(false);
@@ -82,10 +81,5 @@ TEST(NamespaceAliasMap, OrderReplacementAndLookups) {
   m.RemoveNamespace("urn:unknown");
   EXPECT_EQ(m.GetNamespaceCount(), 3);
 
-  try {
-    m.GetNamespaceFromAlias("nope");
-    FAIL() << "expected an exception";
-  } catch (const CKoException& e) {
-    EXPECT_EQ(e.GetMessage(), "Namespace alias [nope] not found");
-  }
+  EXPECT_TRUE(Throws([&] { m.GetNamespaceFromAlias("nope"); }, "Namespace alias [nope] not found"));
 }

@@ -24,7 +24,7 @@ CSmartPtr<CTeam> SampleTeam() {
   leader->SetElementName("leader");
   leader->id = 42;
   leader->name = "Ada";
-  leader->tags = "a,b";
+  leader->tags->Add("a"), leader->tags->Add("b");
   CSmartPtr<CAddress> address(new CAddress());
   address->street = "1 Main St";
   address->city = "Oslo";

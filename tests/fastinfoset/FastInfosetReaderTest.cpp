@@ -2,8 +2,10 @@
 
 #include <KoXmlLib10.h>
 
-#include "support/ThrownMessage.h"
+#include "support/Throws.h"
 #include "support/Trees.h"
+
+using testsupport::Throws;
 
 #include <algorithm>
 #include <functional>
@@ -42,11 +44,25 @@ std::string S(const char (&octets)[N]) {
 
 const std::string kHeader = S("\xE0\x00\x00\x01\x00");  // header, no optional components
 
-std::string LoadFailure(const std::string& bytes, const CXmlSerializationContext& ctx = CXmlSerializationContext()) {
+void Load(const std::string& bytes, const CXmlSerializationContext& ctx = CXmlSerializationContext()) {
   CXmlDocument doc(ctx);
-  return ThrownMessage<CKoException>([&] {
-    doc.LoadXmlStream(reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data())), bytes.size());
-  });
+  doc.LoadXmlStream(reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data())), bytes.size());
+}
+::testing::AssertionResult LoadFailure(const std::string& bytes, const CXmlSerializationContext& ctx,
+                                       const std::string& expected) {
+  return Throws([&] { Load(bytes, ctx); }, expected);
+}
+::testing::AssertionResult LoadFailure(const std::string& bytes, const std::string& expected) {
+  return LoadFailure(bytes, CXmlSerializationContext(), expected);
+}
+// The message of a failure whose exact text another component writes.
+std::string LoadMessage(const std::string& bytes) {
+  try {
+    Load(bytes);
+  } catch (const CKoException& e) {
+    return e.GetMessage();
+  }
+  return "";
 }
 
 // <a>x</a> with the root's body replaced by `body` (after the name).
@@ -70,7 +86,7 @@ TEST(FastInfosetReader, HeaderRecognition) {
   ASSERT_TRUE(LoadBytes(doc, "<?xml version=\"1.0\"?><b/>"));  // text
   EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "b");
   // Four header octets alone are not Fast Infoset: expat rejects them.
-  const std::string headerOnly = LoadFailure(ax.substr(0, 4));
+  const std::string headerOnly = LoadMessage(ax.substr(0, 4));
   EXPECT_EQ(headerOnly.find("FastInfoset"), std::string::npos);
   EXPECT_NE(headerOnly.find(" at line 1"), std::string::npos);
 }
@@ -119,9 +135,9 @@ TEST(FastInfosetReader, AlphabetsAndAlgorithms) {
   EXPECT_EQ(doc.GetDocumentElement()->GetText(), "1 2true");
   ASSERT_TRUE(LoadBytes(doc, Root(S("\x78\x00\x76\x30\x33\x00\x00\x00\x2A\xFF"), 0x78)));
   EXPECT_EQ(doc.GetDocumentElement()->GetAttribute("v", ""), "42");
-  EXPECT_EQ(LoadFailure(Root(S("\x8C\x28\x00\xFF"))), "Unknown byte encoding.");  // algorithm 11
-  EXPECT_EQ(LoadFailure(Root(S("\x8C\x0E\x03\x00\x00\x00\x01\x00\x00\xFF"))),
-            "Invalid value for INT byte encoding.");
+  EXPECT_TRUE(LoadFailure(Root(S("\x8C\x28\x00\xFF")), "Unknown byte encoding."));  // algorithm 11
+  EXPECT_TRUE(LoadFailure(Root(S("\x8C\x0E\x03\x00\x00\x00\x01\x00\x00\xFF")),
+            "Invalid value for INT byte encoding."));
 
   CXmlSerializationContext ctx;
   ctx.GetFIContext().SetUseGeneratedVocabulary(true);
@@ -145,14 +161,14 @@ TEST(FastInfosetReader, AlphabetsAndAlgorithms) {
   EXPECT_EQ(custom.GetDocumentElement()->GetText(), "zyx");
   ASSERT_TRUE(LoadBytes(custom, Root(std::string("\x88\x15\x00\x01\xFF", 5))));  // eight bits: indices 0 and 1
   EXPECT_EQ(custom.GetDocumentElement()->GetText(), "AB");
-  EXPECT_EQ(LoadFailure(Root("\x88\x0C\xBF\xFF"), ctx),  // three bits: 101 is beyond "abcde"
-            "Failed to parse FastInfoset. Invalid character index for Restricted Alphabet.");
-  EXPECT_EQ(LoadFailure(Root(S("\x88\x18\x00\xFF")), ctx),
+  EXPECT_TRUE(LoadFailure(Root("\x88\x0C\xBF\xFF"), ctx,  // three bits: 101 is beyond "abcde"
+            "Failed to parse FastInfoset. Invalid character index for Restricted Alphabet."));
+  EXPECT_TRUE(LoadFailure(Root(S("\x88\x18\x00\xFF")), ctx,
             "Failed to parse FastInfoset. Invalid Encoding of Restricted Alphabet. Alphabet must contain between 2 "
-            "and 2^20 characters.");
-  EXPECT_EQ(LoadFailure(Root(S("\x88\x08\x00\xFF"))),  // alphabet 3 does not exist by default
+            "and 2^20 characters."));
+  EXPECT_TRUE(LoadFailure(Root(S("\x88\x08\x00\xFF")),  // alphabet 3 does not exist by default
             "Failed to parse FastInfoset. Invalid Encoding of Restricted Alphabet. Alphabet must contain between 2 "
-            "and 2^20 characters.");
+            "and 2^20 characters."));
 }
 
 TEST(FastInfosetReader, IndexesAtEveryRangeBoundary) {
@@ -220,8 +236,8 @@ TEST(FastInfosetReader, IndexesAtEveryRangeBoundary) {
             "n32[c16] n33[c17] n2080[c1040] n2081[c1041] n526368[c263184] n526369[c263185] n1048576[c16] ");
 
   // One past the largest index is no index at all.
-  EXPECT_EQ(LoadFailure(Root(S("\x30\x07\xF7\xE0\xFF")), ctx),
-            "Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the third bit of an octet.");
+  EXPECT_TRUE(LoadFailure(Root(S("\x30\x07\xF7\xE0\xFF")), ctx,
+            "Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the third bit of an octet."));
 }
 
 TEST(FastInfosetReader, ComponentsReadPast) {
@@ -248,7 +264,7 @@ TEST(FastInfosetReader, ComponentsReadPast) {
   Octets indexed;
   indexed({0xE0, 0x00, 0x00, 0x01, 0x20, 0x00, 0x82, 0x00}).Literal(0x00, "a")({0x00, 0x00, 0x00});  // a, (0, 0, 1)
   indexed({0x00, 0xFF});
-  EXPECT_EQ(LoadFailure(indexed.bytes), "Failed to parse FastInfoset. Index 1 is not in the vocabulary.");
+  EXPECT_TRUE(LoadFailure(indexed.bytes, "Failed to parse FastInfoset. Index 1 is not in the vocabulary."));
 }
 
 TEST(FastInfosetReader, NamesWhosePartsNoLongerFitKeepTheirIndex) {
@@ -269,33 +285,33 @@ TEST(FastInfosetReader, NamesWhosePartsNoLongerFitKeepTheirIndex) {
 TEST(FastInfosetReader, CorruptInput) {
   const std::string ax("\xE0\x00\x00\x01\x00\x38\xF0\x3C\x00\x61\x90\x78\xFF", 13);
   for (size_t length = 5; length < ax.size(); ++length)
-    EXPECT_EQ(LoadFailure(ax.substr(0, length)), "Failed to parse FastInfoset. Unexpected End of File.") << length;
+    EXPECT_TRUE(LoadFailure(ax.substr(0, length), "Failed to parse FastInfoset. Unexpected End of File.")) << length;
 
   const std::string prefix = "Failed to parse FastInfoset. ";
-  EXPECT_EQ(LoadFailure(Root("\xC0")), prefix + "Invalid Encoding of Element type.");
-  EXPECT_EQ(LoadFailure(kHeader + "\x38\xF0\x3E"), prefix + "Invalid QName type Prefix without Namespace.");
-  EXPECT_EQ(LoadFailure(Root("\x31")), prefix + "Invalid Encoding of integers 1 To 2^20 type  on the third bit of an octet.");
-  EXPECT_EQ(LoadFailure(Root("\xBC")), prefix + "Invalid Encoding of integers 1 To 2^20 type  on the fourth bit of an octet.");
-  EXPECT_EQ(LoadFailure(Root("\x70", 0x78)),
-            prefix + "Invalid Encoding of integers 1 To 2^20 type  on the second bit of an octet.");
-  EXPECT_EQ(LoadFailure(Root(std::string("\x78\x00\x79\xF0", 4), 0x78)),
-            prefix + "Invalid Encoding of integers 0 To 2^20 type  on the second bit of an octet.");
-  EXPECT_EQ(LoadFailure(Root(std::string("\x78\x00\x79\x09", 4), 0x78)),
-            prefix + "Invalid NonEmptyOctetString type  on the fifth bit of an octet.");
-  EXPECT_EQ(LoadFailure(kHeader + "\x38\xF0\x3C\x41"), prefix + "Invalid NonEmptyOctetString type  on the second bit of an octet.");
-  EXPECT_EQ(LoadFailure(Root(S("\x94\x00\x78"))).rfind(prefix, 0), 0u);  // UTF-16 cannot be read
-  EXPECT_EQ(LoadFailure(Root("\xA5")), prefix + "Index 6 is not in the vocabulary.");
-  EXPECT_EQ(LoadFailure(kHeader + "\xF0"), prefix + "The document has no element.");
-  EXPECT_EQ(LoadFailure(Root(S("\xF0\x00\xFF"))), "A document can have only one document element.");
+  EXPECT_TRUE(LoadFailure(Root("\xC0"), prefix + "Invalid Encoding of Element type."));
+  EXPECT_TRUE(LoadFailure(kHeader + "\x38\xF0\x3E", prefix + "Invalid QName type Prefix without Namespace."));
+  EXPECT_TRUE(LoadFailure(Root("\x31"), prefix + "Invalid Encoding of integers 1 To 2^20 type  on the third bit of an octet."));
+  EXPECT_TRUE(LoadFailure(Root("\xBC"), prefix + "Invalid Encoding of integers 1 To 2^20 type  on the fourth bit of an octet."));
+  EXPECT_TRUE(LoadFailure(Root("\x70", 0x78),
+            prefix + "Invalid Encoding of integers 1 To 2^20 type  on the second bit of an octet."));
+  EXPECT_TRUE(LoadFailure(Root(std::string("\x78\x00\x79\xF0", 4), 0x78),
+            prefix + "Invalid Encoding of integers 0 To 2^20 type  on the second bit of an octet."));
+  EXPECT_TRUE(LoadFailure(Root(std::string("\x78\x00\x79\x09", 4), 0x78),
+            prefix + "Invalid NonEmptyOctetString type  on the fifth bit of an octet."));
+  EXPECT_TRUE(LoadFailure(kHeader + "\x38\xF0\x3C\x41", prefix + "Invalid NonEmptyOctetString type  on the second bit of an octet."));
+  EXPECT_EQ(LoadMessage(Root(S("\x94\x00\x78"))).rfind(prefix, 0), 0u);  // UTF-16 cannot be read
+  EXPECT_TRUE(LoadFailure(Root("\xA5"), prefix + "Index 6 is not in the vocabulary."));
+  EXPECT_TRUE(LoadFailure(kHeader + "\xF0", prefix + "The document has no element."));
+  EXPECT_TRUE(LoadFailure(Root(S("\xF0\x00\xFF")), "A document can have only one document element."));
 
   // A chunk entered once and referred to over and over is cut off.
   std::string many = Root("\x92\xC5" + std::string(200, 'x') + std::string(100000, '\xA0') + "\xFF");
-  EXPECT_EQ(LoadFailure(many), prefix + "The document expands to more than 100 times its size.");
+  EXPECT_TRUE(LoadFailure(many, prefix + "The document expands to more than 100 times its size."));
 }
 
 TEST(FastInfosetReader, DeepNesting) {
   const std::string tooDeep = Root(std::string(200000, '\x00') + std::string(100001, '\xFF'));
-  EXPECT_EQ(LoadFailure(tooDeep), "The document is nested too deeply: more than 10000 levels of elements.");
+  EXPECT_TRUE(LoadFailure(tooDeep, "The document is nested too deeply: more than 10000 levels of elements."));
   const std::string deepest = Root(std::string(CXmlDocument::MAX_ELEMENT_DEPTH - 1, '\x00') +
                                    std::string(CXmlDocument::MAX_ELEMENT_DEPTH / 2, '\xFF'));
   CXmlDocument doc;

@@ -7,7 +7,9 @@
 #include <thread>
 #include <vector>
 
-#include "support/ThrownMessage.h"
+#include "support/Throws.h"
+
+using testsupport::Throws;
 
 using namespace KoXmlLib10;
 
@@ -26,8 +28,8 @@ CPrimitiveRestrictions Lengths(int minLength, int maxLength, int length, const c
 }
 
 template <class Action>
-std::string Facet(Action action) {
-  return ThrownMessage<CKoException>(action);
+::testing::AssertionResult Facet(Action action, const std::string& expected) {
+  return Throws(action, expected);
 }
 
 CDateTime Date(const char* text) { return CConversions::dateFromString(text, kCollapse); }
@@ -37,63 +39,63 @@ CDateTime DateTime(const char* text) { return CConversions::datetimeFromString(t
 
 TEST(Facets, WholeNumberBoundsInOrder) {
   const auto minInc = Bounds(" 10 ", "", "", "");
-  EXPECT_EQ(Facet([&] { H::CheckRestrictionFori4("qty", 9, minInc); }), "Invalid Value for qty [9]");
+  EXPECT_TRUE(Facet([&] { H::CheckRestrictionFori4("qty", 9, minInc); }, "Invalid Value for qty [9]"));
   EXPECT_NO_THROW(H::CheckRestrictionFori4("qty", 10, minInc));
   const auto minExc = Bounds("", "", "10", "");
-  EXPECT_EQ(Facet([&] { H::CheckRestrictionFori4("qty", 10, minExc); }), "Invalid Value for qty [10]");
+  EXPECT_TRUE(Facet([&] { H::CheckRestrictionFori4("qty", 10, minExc); }, "Invalid Value for qty [10]"));
   const auto maxBounds = Bounds("", "-1", "", "-5");
-  EXPECT_EQ(Facet([&] { H::CheckRestrictionFori2("n", 0, maxBounds); }), "Invalid Value for n [0]");
-  EXPECT_EQ(Facet([&] { H::CheckRestrictionFori1("n", -5, maxBounds); }), "Invalid Value for n [-5]");
+  EXPECT_TRUE(Facet([&] { H::CheckRestrictionFori2("n", 0, maxBounds); }, "Invalid Value for n [0]"));
+  EXPECT_TRUE(Facet([&] { H::CheckRestrictionFori1("n", -5, maxBounds); }, "Invalid Value for n [-5]"));
   EXPECT_NO_THROW(H::CheckRestrictionFori1("n", -6, maxBounds));
 
   // The first broken bound ends the check before a later bound is converted.
   const auto badLater = Bounds("10", "ten", "", "");
-  EXPECT_EQ(Facet([&] { H::CheckRestrictionFori4("q", 5, badLater); }), "Invalid Value for q [5]");
-  EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([&] { H::CheckRestrictionFori4("q", 15, badLater); }),
-            "The value [ten] can not be converted to a i4");
-  EXPECT_EQ(ThrownMessage<CKoInvalidValueException>(
-                [] { H::CheckRestrictionForui1("q", 1, Bounds("300", "", "", "")); }),
-            "The value [300] is to large to fit in a ui1");
+  EXPECT_TRUE(Facet([&] { H::CheckRestrictionFori4("q", 5, badLater); }, "Invalid Value for q [5]"));
+  EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { H::CheckRestrictionFori4("q", 15, badLater); },
+            "The value [ten] can not be converted to a i4"));
+  EXPECT_TRUE(Throws<CKoInvalidValueException>(
+                [] { H::CheckRestrictionForui1("q", 1, Bounds("300", "", "", "")); },
+            "The value [300] is to large to fit in a ui1"));
 
-  EXPECT_EQ(Facet([] { H::CheckRestrictionForui4("u", 4294967295UL, Bounds("", "10", "", "")); }),
-            "Invalid Value for u [4294967295]");
-  EXPECT_EQ(Facet([] { H::CheckRestrictionFori8("big", -9223372036854775807LL - 1, Bounds("0", "", "", "")); }),
-            "Invalid Value for big [-9223372036854775808]");
-  EXPECT_EQ(Facet([] { H::CheckRestrictionForui8("big", 18446744073709551615ULL, Bounds("", "", "", "-1")); }),
-            "Invalid Value for big [18446744073709551615]");  // "-1" reads as the largest ui8
-  EXPECT_EQ(Facet([] { H::CheckRestrictionForday("d", 7, Bounds("", "---05", "", "")); }), "Invalid Value for d [7]");
-  EXPECT_EQ(Facet([] { H::CheckRestrictionFormonth("m", 1, Bounds("--02", "", "", "")); }), "Invalid Value for m [1]");
-  EXPECT_EQ(Facet([] { H::CheckRestrictionForyear("y", 2025, Bounds("", "", "", "2025")); }),
-            "Invalid Value for y [2025]");
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionForui4("u", 4294967295UL, Bounds("", "10", "", "")); },
+            "Invalid Value for u [4294967295]"));
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionFori8("big", -9223372036854775807LL - 1, Bounds("0", "", "", "")); },
+            "Invalid Value for big [-9223372036854775808]"));
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionForui8("big", 18446744073709551615ULL, Bounds("", "", "", "-1")); },
+            "Invalid Value for big [18446744073709551615]"));  // "-1" reads as the largest ui8
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionForday("d", 7, Bounds("", "---05", "", "")); }, "Invalid Value for d [7]"));
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionFormonth("m", 1, Bounds("--02", "", "", "")); }, "Invalid Value for m [1]"));
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionForyear("y", 2025, Bounds("", "", "", "2025")); },
+            "Invalid Value for y [2025]"));
 }
 
 TEST(Facets, RealDecimalAndIntegerBounds) {
   const double nan = std::nan("");
-  EXPECT_EQ(Facet([] { H::CheckRestrictionForr8("r", 1.0, Bounds("1.5", "", "", "")); }),
-            "Invalid Value for r [1.000000]");
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionForr8("r", 1.0, Bounds("1.5", "", "", "")); },
+            "Invalid Value for r [1.000000]"));
   for (const auto& bounds : {Bounds("0", "", "", ""), Bounds("", "0", "", ""), Bounds("", "", "0", ""),
                              Bounds("", "", "", "0")}) {
     EXPECT_THROW(H::CheckRestrictionForr8("r", nan, bounds), CKoException);
     EXPECT_THROW(H::CheckRestrictionForr4("r", std::nanf(""), bounds), CKoException);
   }
   EXPECT_NO_THROW(H::CheckRestrictionForr8("r", nan, CPrimitiveRestrictions()));
-  EXPECT_EQ(Facet([] { H::CheckRestrictionForr4("r", 2.5f, Bounds("", "", "", "2.5")); }),
-            "Invalid Value for r [2.500000]");
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionForr4("r", 2.5f, Bounds("", "", "", "2.5")); },
+            "Invalid Value for r [2.500000]"));
   EXPECT_NO_THROW(H::CheckRestrictionForr8("r", 1e308, Bounds("", "INF", "-INF", "")));
 
-  EXPECT_EQ(Facet([] { H::CheckRestrictionFordecimal("price", CDecimal("10.005"), Bounds("", "10.00", "", "")); }),
-            "Invalid Value for price [10.005]");
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionFordecimal("price", CDecimal("10.005"), Bounds("", "10.00", "", "")); },
+            "Invalid Value for price [10.005]"));
   EXPECT_NO_THROW(H::CheckRestrictionFordecimal("price", CDecimal("10.000"), Bounds("", " 10 ", "", "")));
-  EXPECT_EQ(Facet([] {
+  EXPECT_TRUE(Facet([] {
               H::CheckRestrictionForinteger("n", CBigInteger("-100000000000000000000"),
                                             Bounds("-99999999999999999999", "", "", ""));
-            }),
-            "Invalid Value for n [-100000000000000000000]");
+            },
+            "Invalid Value for n [-100000000000000000000]"));
 }
 
 TEST(Facets, DateAndDurationBoundsUseThePartialOrder) {
-  EXPECT_EQ(Facet([] { H::CheckRestrictionFordate("d", Date("2001-10-25"), Bounds("2001-10-26", "", "", "")); }),
-            "Invalid Value for d [2001-10-25]");
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionFordate("d", Date("2001-10-25"), Bounds("2001-10-26", "", "", "")); },
+            "Invalid Value for d [2001-10-25]"));
   EXPECT_NO_THROW(H::CheckRestrictionFordate("d", Date("2001-10-26"), Bounds("2001-10-26", "", "", "")));
   EXPECT_THROW(H::CheckRestrictionFordate("d", Date("2001-10-26"), Bounds("", "", "2001-10-26", "")), CKoException);
   // A zoned value against an unzoned bound within 14 hours is indeterminate: never broken.
@@ -101,8 +103,8 @@ TEST(Facets, DateAndDurationBoundsUseThePartialOrder) {
   for (const auto& bounds : {Bounds("2001-10-26T21:32:52", "2001-10-26T21:32:52", "2001-10-26T21:32:52",
                                     "2001-10-26T21:32:52")})
     EXPECT_NO_THROW(H::CheckRestrictionFordatetime("t", zoned, bounds));
-  EXPECT_EQ(Facet([&] { H::CheckRestrictionFordatetime("t", zoned, Bounds("", "2001-10-25T00:00:00", "", "")); }),
-            "Invalid Value for t [2001-10-26T21:32:52Z]");
+  EXPECT_TRUE(Facet([&] { H::CheckRestrictionFordatetime("t", zoned, Bounds("", "2001-10-25T00:00:00", "", "")); },
+            "Invalid Value for t [2001-10-26T21:32:52Z]"));
   EXPECT_THROW(H::CheckRestrictionFortime("t", CConversions::timeFromString("10:00:00", kCollapse),
                                           Bounds("", "", "", "10:00:00")),
                CKoException);
@@ -115,30 +117,30 @@ TEST(Facets, DateAndDurationBoundsUseThePartialOrder) {
 
   const CDateTimeSpan month = CConversions::durationFromString("P1M", kCollapse);
   EXPECT_NO_THROW(H::CheckRestrictionForduration("p", month, Bounds("P30D", "P30D", "P30D", "P30D")));
-  EXPECT_EQ(Facet([] {
+  EXPECT_TRUE(Facet([] {
               H::CheckRestrictionForduration("p", CConversions::durationFromString("P2D", kCollapse),
                                              Bounds("", "", "", "P1D"));
-            }),
-            "Invalid Value for p [P2D]");
+            },
+            "Invalid Value for p [P2D]"));
 }
 
 TEST(Facets, LengthsAndPatternsOfStringsAndBinaries) {
-  EXPECT_EQ(Facet([] { H::CheckRestrictionForstring("s", "abc", Lengths(4, -1, -1)); }), "Invalid Value for s [abc]");
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionForstring("s", "abc", Lengths(4, -1, -1)); }, "Invalid Value for s [abc]"));
   EXPECT_NO_THROW(H::CheckRestrictionForstring("s", "\xC3\xA9\xC3\xA9", Lengths(4, -1, -1)));  // bytes, not chars
   EXPECT_THROW(H::CheckRestrictionForstring("s", "\xC3\xA9\xC3\xA9", Lengths(-1, 3, -1)), CKoException);
   EXPECT_NO_THROW(H::CheckRestrictionForstring("s", "", Lengths(-1, -1, 0)));
   EXPECT_THROW(H::CheckRestrictionForstring("s", "x", Lengths(-1, -1, 0)), CKoException);
   const auto code = Lengths(-1, -1, -1, "[A-Z]{3}-[0-9]{4}");
   EXPECT_NO_THROW(H::CheckRestrictionForstring("code", "ABC-1234", code));
-  EXPECT_EQ(Facet([&] { H::CheckRestrictionForstring("code", "ABC-123", code); }), "Invalid Value for code [ABC-123]");
+  EXPECT_TRUE(Facet([&] { H::CheckRestrictionForstring("code", "ABC-123", code); }, "Invalid Value for code [ABC-123]"));
   // Lengths come before the pattern: a broken length is reported even with a bad pattern.
-  EXPECT_EQ(Facet([] { H::CheckRestrictionForstring("s", "ab", Lengths(3, -1, -1, "(")); }), "Invalid Value for s [ab]");
+  EXPECT_TRUE(Facet([] { H::CheckRestrictionForstring("s", "ab", Lengths(3, -1, -1, "(")); }, "Invalid Value for s [ab]"));
 
   const CBinaryData bytes("\x01\xAB");
-  EXPECT_EQ(Facet([&] { H::CheckRestrictionForbase64Binary("b", bytes, Lengths(3, -1, -1)); }),
-            "Invalid Value for b [01AB]");
-  EXPECT_EQ(Facet([&] { H::CheckRestrictionForhexBinary("h", bytes, Lengths(-1, 1, -1, "x")); }),
-            "Invalid Value for h [01AB]");
+  EXPECT_TRUE(Facet([&] { H::CheckRestrictionForbase64Binary("b", bytes, Lengths(3, -1, -1)); },
+            "Invalid Value for b [01AB]"));
+  EXPECT_TRUE(Facet([&] { H::CheckRestrictionForhexBinary("h", bytes, Lengths(-1, 1, -1, "x")); },
+            "Invalid Value for h [01AB]"));
   EXPECT_NO_THROW(H::CheckRestrictionForhexBinary("h", bytes, CPrimitiveRestrictions("zzz", 2, 2, "9", "", "", "", 2)));
 }
 
@@ -146,17 +148,17 @@ TEST(Facets, DispatchByItemType) {
   const auto minInc = Bounds("10", "", "", "");
   KoVariant v;
   v.SetI4(9);
-  EXPECT_EQ(Facet([&] { H::CheckRestriction("qty", v, ItemType_i4, minInc); }), "Invalid Value for qty [9]");
+  EXPECT_TRUE(Facet([&] { H::CheckRestriction("qty", v, ItemType_i4, minInc); }, "Invalid Value for qty [9]"));
   v.SetDecimal(CDecimal("9.5"));
-  EXPECT_EQ(Facet([&] { H::CheckRestriction("qty", v, ItemType_decimal, minInc); }), "Invalid Value for qty [9.5]");
+  EXPECT_TRUE(Facet([&] { H::CheckRestriction("qty", v, ItemType_decimal, minInc); }, "Invalid Value for qty [9.5]"));
   v.SetBoolean(false);
   EXPECT_NO_THROW(H::CheckRestriction("b", v, ItemType_boolean, CPrimitiveRestrictions("x", 9, 0, "y", "y", "y", "y", 3)));
   v.SetChar('c');
-  EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([&] { H::CheckRestriction("c", v, ItemType_char, minInc); }),
-            "unknown type [char]");
+  EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { H::CheckRestriction("c", v, ItemType_char, minInc); },
+            "unknown type [char]"));
   v.SetI2(1);
-  EXPECT_EQ(ThrownMessage<CKoInvalidValueException>([&] { H::CheckRestriction("c", v, ItemType_none, minInc); }),
-            "unknown type [i2]");
+  EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { H::CheckRestriction("c", v, ItemType_none, minInc); },
+            "unknown type [i2]"));
 }
 
 TEST(RegEx, TranslationAnchoringAndMatching) {
@@ -191,8 +193,8 @@ TEST(RegEx, TranslationAnchoringAndMatching) {
 
 TEST(RegEx, BadPatternsAndTheCache) {
   for (int i = 0; i < 2; ++i)  // a failed compilation is not remembered as a success
-    EXPECT_EQ(ThrownMessage<CKoException>([] { TestRegEx("(", "x"); }),
-              "Invalid Regular Expression: ( Error: 'missing closing parenthesis'");
+    EXPECT_TRUE(Throws<CKoException>([] { TestRegEx("(", "x"); },
+              "Invalid Regular Expression: ( Error: 'missing closing parenthesis'"));
   EXPECT_THROW(TestRegEx("a{2,1}", "aa"), CKoException);
   EXPECT_THROW(TestRegEx("\xC3", "x"), CKoException);
 
