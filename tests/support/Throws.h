@@ -53,6 +53,18 @@ template <class E = KoXmlLib10::CKoException, class Action>
   return ::testing::AssertionFailure() << "nothing was thrown, expected: " << expected;
 }
 
+// The message of the library exception `action` throws, for comparing two
+// failures with each other; a fixed text when nothing is thrown.
+template <class Action>
+std::string MessageOf(Action&& action) {
+  try {
+    action();
+  } catch (const KoXmlLib10::CKoException& e) {
+    return e.GetMessage();
+  }
+  return "(nothing was thrown)";
+}
+
 }  // namespace testsupport
 
 #endif

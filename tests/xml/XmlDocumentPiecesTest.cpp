@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "support/Documents.h"
-#include "support/ThrownMessage.h"
+#include "support/Throws.h"
 #include "support/Trees.h"
 
 using namespace KoXmlLib10;
@@ -36,7 +36,7 @@ std::string Gzip(const std::string& bytes) {
   return std::string(reinterpret_cast<const char*>(packed.GetData()), packed.GetLength());
 }
 
-std::string FailureOf(const std::function<void()>& load) { return ThrownMessage<CKoException>(load); }
+std::string FailureOf(const std::function<void()>& load) { return testsupport::MessageOf(load); }
 
 // A document of `orders` elements with text that is not all ASCII, namespaces,
 // attributes and CDATA: long enough to span many pieces of every size.
