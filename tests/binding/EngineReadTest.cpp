@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "support/Documents.h"
+#include "support/CustomClass.h"
 #include "support/TestModel.h"
 #include "support/Throws.h"
 
@@ -43,6 +44,12 @@ void FailEveryWay(const std::string& xml, const CXmlSerializationContext& ctx, c
   }
 }
 
+CXmlSerializationContext IgnoringUnknownElements() {
+  CXmlSerializationContext ctx;
+  ctx.SetIgnoreUnknownElements(true);
+  return ctx;
+}
+
 std::string ConversionMessage(const char* text, ItemType type) {
   try {
     KoVariant value;
@@ -53,37 +60,6 @@ std::string ConversionMessage(const char* text, ItemType type) {
   ADD_FAILURE() << text << " converted";
   return "";
 }
-
-// A sequence class with a single value, for records made by a test.
-class CCustomSequence : public CXmlGeneratedClass {
- public:
-  explicit CCustomSequence(std::initializer_list<CElementInfo*> elements)
-      : m_info(new CParentElementInfo(XmlElementGroupTypeSequence, XmlElementTypeElement, "custom", kNs, true,
-                                      false, -1, ItemType_none, nullptr, false)),
-        m_elements(Elements(elements)),
-        m_attributes(Attributes({})) {
-    SetElementName("custom");
-  }
-  ~CCustomSequence() override { CleanMetaData(m_info, m_elements, m_attributes); }
-  CXmlObjectBase* GetBase() override { return this; }
-  std::string GetTargetNamespace() const override { return kNs; }
-  std::string GetNamespace() const override { return kNs; }
-  void AccessProperty(int, bool get, KoVariant& v) override {
-    if (get) v = value;
-    else value = v;
-  }
-  CParentElementInfo* GetClassInfo() override { return m_info; }
-  CElementInfo** GetClassElementInfo() override { return m_elements; }
-  CAttributeInfo** GetClassAttributeInfo() override { return m_attributes; }
-  void Init() override { value.SetInvalid(); }
-
-  KoVariant value;
-
- private:
-  CParentElementInfo* m_info;
-  CElementInfo** m_elements;
-  CAttributeInfo** m_attributes;
-};
 
 // ---- nil ------------------------------------------------------------------------
 
@@ -169,14 +145,12 @@ TEST(EngineRead, SequenceWithAnElementLeftOver) {
                         "Failed to process the element [person]\n"
                         "Failed read all the elements held within the element [person]. The unexpected element "
                         "[bogus] remains un processed");
-  CXmlSerializationContext tolerant;
-  tolerant.SetIgnoreUnknownElements(true);
+  const CXmlSerializationContext tolerant = IgnoringUnknownElements();
   ReadEveryWay<CPerson>(xml, tolerant, [](CPerson& person) { EXPECT_EQ(person.note, "n"); });
 }
 
 TEST(EngineRead, SkippingAnUnknownElementResumesAtTheLastMemberThatRead) {
-  CXmlSerializationContext tolerant;
-  tolerant.SetIgnoreUnknownElements(true);
+  const CXmlSerializationContext tolerant = IgnoringUnknownElements();
   // The run of tags is interrupted twice; its later items still belong to it,
   // and the mandatory name before it is not searched for again.
   ReadEveryWay<CPerson>(
@@ -191,8 +165,7 @@ TEST(EngineRead, SkippingAnUnknownElementResumesAtTheLastMemberThatRead) {
 }
 
 TEST(EngineRead, MandatoryMembersSearchPastUnknownElements) {
-  CXmlSerializationContext tolerant;
-  tolerant.SetIgnoreUnknownElements(true);
+  const CXmlSerializationContext tolerant = IgnoringUnknownElements();
   ReadEveryWay<CAddress>("<address " + kDecl + "><x/><street>s</street><city>c</city><y/></address>", tolerant,
                          [](CAddress& address) {
                            EXPECT_EQ(address.street, "s");
@@ -203,8 +176,7 @@ TEST(EngineRead, MandatoryMembersSearchPastUnknownElements) {
 TEST(EngineRead, ResumingAtAMandatoryMemberSearchesForItAgain) {
   // After the unknown <y/> reading resumes at street, the last member that
   // consumed an element; a second street is then required.
-  CXmlSerializationContext tolerant;
-  tolerant.SetIgnoreUnknownElements(true);
+  const CXmlSerializationContext tolerant = IgnoringUnknownElements();
   FailEveryWay<CAddress>("<address " + kDecl + "><street>s</street><y/><z/></address>", tolerant,
                          "Failed to process the element [address]\nFailed to find a required element [street]");
   ReadEveryWay<CAddress>("<address " + kDecl + "><street>s</street><y/><street>t</street><city>c</city></address>",
@@ -230,9 +202,8 @@ class CNotMine : public CElementInfoSeqPrimMnd {
 };
 
 TEST(EngineRead, AMemberThatDoesNotMatch) {
-  CXmlSerializationContext tolerant;
-  tolerant.SetIgnoreUnknownElements(true);
-  CSmartPtr<CCustomSequence> object(new CCustomSequence({new CNotMine()}));
+  const CXmlSerializationContext tolerant = IgnoringUnknownElements();
+  CSmartPtr<CCustom> object(new CCustom(XmlElementGroupTypeSequence, {new CNotMine()}));
   object->FromXml(("<custom " + kDecl + "><a/><b/><v>5</v></custom>").c_str(), tolerant);
   EXPECT_EQ(object->value.GetI4(), 5);
   object->FromXml(("<custom " + kDecl + "><a/><v>5</v></custom>").c_str(), Default());
@@ -269,8 +240,7 @@ TEST(EngineRead, OptionalChoiceWithoutAnAlternative) {
                        "Failed to process the element [shape]\n"
                        "Failed read all the elements held within the element [shape]. The unexpected element "
                        "[label] remains un processed");
-  CXmlSerializationContext tolerant;
-  tolerant.SetIgnoreUnknownElements(true);
+  const CXmlSerializationContext tolerant = IgnoringUnknownElements();
   ReadEveryWay<CShape>(leftOver, tolerant, [](CShape& shape) {
     EXPECT_EQ(shape.radius, 1);
     EXPECT_FALSE(shape.label);
@@ -302,8 +272,7 @@ TEST(EngineRead, AllGroupFailures) {
                      "Failed to process the element [bag]\n"
                      "Failed read all the elements held within the element [bag]. The unexpected element [x] "
                      "remains un processed");
-  CXmlSerializationContext tolerant;
-  tolerant.SetIgnoreUnknownElements(true);
+  const CXmlSerializationContext tolerant = IgnoringUnknownElements();
   ReadEveryWay<CBag>(twice, tolerant, [](CBag& bag) { EXPECT_EQ(bag.x, 1); });
 }
 

@@ -2,6 +2,7 @@
 
 #include "KoXmlLib10/Untyped.h"
 #include "KoXmlLib10/XmlDocument.h"
+#include "support/CustomClass.h"
 #include "support/TestModel.h"
 #include "support/Throws.h"
 
@@ -187,39 +188,6 @@ TEST(EngineWrite, AFailureTwoLevelsDownReadsAsAPath) {
       "The Maximum number of [tag] elements allowed in this collection is 4"));
 }
 
-// A class whose records are made for one test: a group type and records of
-// the test's choosing.
-class CCustom : public CXmlGeneratedClass {
- public:
-  CCustom(XmlElementGroupType group, std::initializer_list<CElementInfo*> elements,
-          std::initializer_list<CAttributeInfo*> attributes)
-      : m_info(new CParentElementInfo(group, XmlElementTypeElement, "custom", kNs, true, false, -1, ItemType_none,
-                                      nullptr, false)),
-        m_elements(Elements(elements)),
-        m_attributes(Attributes(attributes)) {
-    SetElementName("custom");
-  }
-  ~CCustom() override { CleanMetaData(m_info, m_elements, m_attributes); }
-  CXmlObjectBase* GetBase() override { return this; }
-  std::string GetTargetNamespace() const override { return kNs; }
-  std::string GetNamespace() const override { return kNs; }
-  void AccessProperty(int, bool get, KoVariant& value) override {
-    if (get) value = m_value;
-    else m_value = value;
-  }
-  CParentElementInfo* GetClassInfo() override { return m_info; }
-  CElementInfo** GetClassElementInfo() override { return m_elements; }
-  CAttributeInfo** GetClassAttributeInfo() override { return m_attributes; }
-  void Init() override { m_value.SetInvalid(); }
-
-  KoVariant m_value;
-
- private:
-  CParentElementInfo* m_info;
-  CElementInfo** m_elements;
-  CAttributeInfo** m_attributes;
-};
-
 class CThrowingAttribute : public CAttributeInfo {
  public:
   CThrowingAttribute() : CAttributeInfo("bad", "", 0, true, nullptr) {}
@@ -250,7 +218,7 @@ TEST(EngineWrite, AttributeFailuresAreWrappedTwice) {
 }
 
 TEST(EngineWrite, UnknownGroupType) {
-  CSmartPtr<CCustom> custom(new CCustom(static_cast<XmlElementGroupType>(3), {}, {}));
+  CSmartPtr<CCustom> custom(new CCustom(static_cast<XmlElementGroupType>(3), {}));
   EXPECT_TRUE(ThrowsFull<CKoValidationException>(
       [&] { Text(*custom); }, "Failed to convert the element [custom] to XML\nUnknown XML Group Type"));
   EXPECT_TRUE(ThrowsFull<CKoValidationException>(

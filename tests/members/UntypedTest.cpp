@@ -103,22 +103,15 @@ TEST_P(UntypedRestriction, ReadsOnlyWhatTheRestrictionAdmits) {
   }
 }
 
+// The rule itself is one table in the namespace rules' tests; here one row
+// each that admits and refuses, with the namespaces the element is built with.
 INSTANTIATE_TEST_SUITE_P(
     Keywords, UntypedRestriction,
-    ::testing::Values(Restricted{"##any", "", "", "urn:x", true}, Restricted{"##any", "", "", "", true},
-                      Restricted{"##other", "urn:t", "", "urn:x", true},
+    ::testing::Values(Restricted{"##other", "urn:t", "", "urn:x", true},
                       Restricted{"##other", "urn:t", "", "urn:t", false},
-                      Restricted{"##other", "urn:t", "", "", true}, Restricted{"##local", "urn:t", "", "", true},
-                      Restricted{"##local", "urn:t", "", "urn:t", false},
                       Restricted{"##targetNamespace", "urn:t", "urn:t", "urn:t", true},
-                      Restricted{"##targetNamespace", "urn:t", "urn:t", "urn:x", false},
-                      // A list; an empty namespace passes any URI of it.
-                      Restricted{"urn:a urn:b", "", "urn:a", "urn:b", true},
-                      Restricted{"urn:a urn:b", "", "urn:a", "urn:c", false},
                       Restricted{"urn:a urn:b", "", "urn:a", "", true},
-                      Restricted{"##local urn:b", "", "", "urn:b", true},
-                      // An empty restriction admits the empty namespace only.
-                      Restricted{"", "", "", "", true}, Restricted{"", "", "", "urn:a", false}));
+                      Restricted{"", "", "", "urn:a", false}));
 
 TEST_F(Untyped, ReadingReplacesAndKeepsNestedContent) {
   CSmartPtr<CElement> e = new CElement("x");

@@ -7,6 +7,8 @@
 #include <climits>
 #include <cstdlib>
 #include <ctime>
+#include <functional>
+#include <utility>
 #include <string>
 
 using testsupport::Throws;
@@ -139,19 +141,15 @@ TEST(DateTime, LimitsPerKind) {
             "Invalid XSD Date [10000-01-01] expected CCYY-MM-DD[Z|[+|-]hh:mm]"));
 
   CDateTime d;
-  EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { d.SetDateTime(CDateTime::dt_gYear, 2000, 5, 0, 0, 0, 0, 0, 0, 0); },
-            "Invalid Month [5] for type gYear"));
-  EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { d.SetDateTime(CDateTime::dt_gMonth, 2000, 5, 0, 0, 0, 0, 0, 0, 0); },
-            "Invalid Year [2000] for type gMonth"));
-  EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { d.SetDateTime(CDateTime::dt_gYear, 2000, 0, 3, 0, 0, 0, 0, 0, 0); },
-            "Invalid Day [3] for type gYear"));
-  EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { d.SetDateTime(CDateTime::dt_date, 2000, 1, 1, 0, 0, 0, 0, 0, 7); },
-            "Invalid Nano-Second [7] for type date"));
-  EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { d.SetTime(24, 0, 0); },
-            "Invalid Hour [24] (0 <= hour <= 23)"));
-  EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { d.SetFracTime(0, 1000, 0); },
-            "Invalid Micro-Second [1000] (0 <= micro <= 999)"));
-  EXPECT_TRUE(Throws<CKoInvalidValueException>([] { CDateTime().Validate(); }, "Invalid Year Zero"));
+  const std::pair<std::function<void()>, const char*> setters[] = {
+      {[&] { d.SetDateTime(CDateTime::dt_gYear, 2000, 5, 0, 0, 0, 0, 0, 0, 0); }, "Invalid Month [5] for type gYear"},
+      {[&] { d.SetDateTime(CDateTime::dt_gMonth, 2000, 5, 0, 0, 0, 0, 0, 0, 0); }, "Invalid Year [2000] for type gMonth"},
+      {[&] { d.SetDateTime(CDateTime::dt_gYear, 2000, 0, 3, 0, 0, 0, 0, 0, 0); }, "Invalid Day [3] for type gYear"},
+      {[&] { d.SetDateTime(CDateTime::dt_date, 2000, 1, 1, 0, 0, 0, 0, 0, 7); }, "Invalid Nano-Second [7] for type date"},
+      {[&] { d.SetTime(24, 0, 0); }, "Invalid Hour [24] (0 <= hour <= 23)"},
+      {[&] { d.SetFracTime(0, 1000, 0); }, "Invalid Micro-Second [1000] (0 <= micro <= 999)"},
+      {[] { CDateTime().Validate(); }, "Invalid Year Zero"}};
+  for (const auto& [set, message] : setters) EXPECT_TRUE(Throws<CKoInvalidValueException>(set, message));
   EXPECT_EQ(d.GetType(), CDateTime::dt_yearZero);  // failed setters leave the value alone
 }
 
