@@ -187,9 +187,11 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* 
       }
       WriteStartElement(writer, GetElementName(), elementNamespace);
       if (isRoot) {
-        // The caller's extra attributes come first on the root element.
-        const CSmartPtr<CAttributeCol> extra = ctx.GetAdditionalRootAttributes();
-        CXmlObjectBase::ToXml_Int(extra.get(), writer, false, elementNamespace, ctx, choiceMayBeEmpty);
+        // The caller's extra attributes come first on the root element. A
+        // context whose collection was never requested has none to write;
+        // looking instead of creating keeps a shared context untouched.
+        if (CAttributeCol* extra = ctx.PeekAdditionalRootAttributes())
+          CXmlObjectBase::ToXml_Int(extra, writer, false, elementNamespace, ctx, choiceMayBeEmpty);
       }
       AttributesToXml_Int(writer, ctx);
       if (isRoot) {

@@ -68,6 +68,10 @@ class KOXML_API CXmlSerializationContext {
   // the context share it. Not synchronised: call it once before sharing a
   // context between threads.
   CSmartPtr<CAttributeCol> GetAdditionalRootAttributes() const;
+  // The same collection if it was ever requested, else null; creates nothing,
+  // so writers that only look at it can share a context between threads.
+  // The pointer is valid while the context holds the collection.
+  CAttributeCol* PeekAdditionalRootAttributes() const { return m_additionalRootAttributes.get(); }
 
   std::string GetInLineSchema() const { return m_inLineSchema; }
   void SetInLineSchema(const char* schema) { m_inLineSchema = schema ? schema : ""; }

@@ -140,4 +140,27 @@ TEST(Threads, ObjectsOfOneClassAreSerialisedConcurrently) {
   EXPECT_EQ(failures.load(), 0);
 }
 
+// Writing only reads the context: threads may share one that never had
+// root attributes requested (as m_defaultContext is shared by everybody).
+TEST(Threads, ASharedContextIsOnlyRead) {
+  const CXmlSerializationContext shared;
+  CStartLine start;
+  std::atomic<int> failures{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t)
+    threads.emplace_back([&, t] {
+      CSmartPtr<CPerson> person(new CPerson());
+      person->id = t;
+      start.Wait();
+      for (int round = 0; round < 20; ++round)
+        if (person->ToXml(false, false, EOLTypeLF, shared).find("id=\"" + std::to_string(t) + "\"") ==
+            std::string::npos)
+          failures.fetch_add(1);
+    });
+  start.Go(kThreads);
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(failures.load(), 0);
+  EXPECT_EQ(shared.PeekAdditionalRootAttributes(), nullptr);
+}
+
 }  // namespace
