@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/TempFiles.h"
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/Version.h"
 #include "KoXmlLib10/XmlDocument.h"
@@ -79,7 +80,7 @@ std::vector<std::pair<const char*, std::function<void(CEmpty&)>>> EntryPoints() 
   static CXmlDocument document;
   if (!document.GetDocumentElement()) document.LoadXml("<empty/>");
   const CXmlSerializationContext& ctx = CXmlSerializationContext::m_defaultContext;
-  const std::string file = ::testing::TempDir() + "version-test.xml";
+  const std::string file = testsupport::TempPath("version-test.xml");
   return {
       {"ToXml", [&ctx](CEmpty& o) { o.ToXml(false, false, EOLTypeLF, ctx); }},
       {"ToXmlStream",
@@ -162,7 +163,7 @@ TEST(GeneratorVersion, BannerAndRefusal) {
     EXPECT_EQ(output.err, "");
   }
   EXPECT_EQ(keep->ToXml(false, false, EOLTypeLF, CXmlSerializationContext::m_defaultContext), "<empty/>");
-  std::remove((::testing::TempDir() + "version-test.xml").c_str());
+  std::remove((testsupport::TempPath("version-test.xml")).c_str());
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include <iterator>
 #include <vector>
 
+#include "support/TempFiles.h"
+
 using namespace KoXmlLib10;
 
 namespace {
@@ -56,7 +58,7 @@ TEST(Streams, MemoryTextStreamEncodings) {
 }
 
 TEST(Streams, FileTextStreams) {
-  const std::string path = testing::TempDir() + "koxml_streams.xml";
+  const std::string path = testsupport::TempPath("streams.xml");
   {
     CFileTextStream stream(path.c_str(), XmlEncoding_UTF16);
     stream.Open();
@@ -103,7 +105,7 @@ TEST(Streams, BinaryStreams) {
   EXPECT_EQ(BytesOf(two.GetBinaryStream()), (Bytes{'a', 'b'}));
   EXPECT_EQ(BytesOf(shared), (Bytes{'a', 'b'}));
 
-  const std::string path = testing::TempDir() + "koxml_streams.bin";
+  const std::string path = testsupport::TempPath("streams.bin");
   CBinaryData raw(more, 2, false);
   CFileBinaryStream(path.c_str(), XmlEncoding_None, raw).ToFile();
   EXPECT_EQ(FileBytes(path), (Bytes{'c', 'd'}));

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "support/TempFiles.h"
 #include "support/Documents.h"
 #include "support/Throws.h"
 #include "support/Trees.h"
@@ -20,7 +21,7 @@ using namespace KoXmlLib10;
 
 namespace {
 
-std::string TempPath(const std::string& name) { return ::testing::TempDir() + "pieces-" + name; }
+std::string TempPath(const std::string& name) { return testsupport::TempPath("pieces-" + name); }
 
 void WriteFile(const std::string& path, const std::string& content) {
   FILE* f = std::fopen(path.c_str(), "wb");

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "support/TempFiles.h"
 #include "support/Throws.h"
 
 #include <KoXmlLib10.h>
@@ -30,7 +31,7 @@ std::vector<std::string> ChildNames(const CXmlElement* parent) {
   return names;
 }
 
-std::string TempPath(const char* name) { return ::testing::TempDir() + name; }
+std::string TempPath(const char* name) { return testsupport::TempPath(name); }
 
 void WriteFile(const std::string& path, const std::string& content) {
   FILE* f = std::fopen(path.c_str(), "wb");
