@@ -100,6 +100,15 @@ class CXmlDocumentStore {
   // Appends text to an element, leaving out carriage returns and stopping
   // at a NUL.
   void AppendText(CXmlElement* element, std::string_view text);
+  // Appends character data read for the innermost open element. `plain`
+  // tells that the text holds no carriage return and no NUL.
+  void AppendToTop(std::string_view text, bool plain) {
+    const size_t depth = m_open.size();
+    if (plain && depth > 0 && (m_open.back().element->m_flags & CXmlElement::kTextPending))
+      m_pending[depth - 1].append(text.data(), text.size());
+    else
+      AppendText(Top(), text);
+  }
   // Appends to the text being gathered for the innermost open element;
   // false when `element` is not that element.
   bool AppendIfGathering(const CXmlElement* element, std::string_view text);

@@ -83,8 +83,52 @@ void CExpatReader::Guarded(void* userData, Work&& work) {
   }
 }
 
+namespace {
+
+// A cheap slot for the recent-names cache: the length and the last bytes,
+// where names in one namespace differ (they share the URI in front). A poor
+// spread only costs misses that the full map then answers.
+size_t RecentSlot(std::string_view name, size_t slots) {
+  uint64_t tail = 0;
+  const size_t n = std::min<size_t>(name.size(), 8);
+  std::memcpy(&tail, name.data() + name.size() - n, n);
+  const uint64_t mixed = (tail ^ (name.size() * 0x9E3779B97F4A7C15ull)) * 0xFF51AFD7ED558CCDull;
+  return static_cast<size_t>(mixed >> 58) & (slots - 1);
+}
+
+// Whether text is ASCII holding no carriage return and no NUL, eight bytes
+// at a time.
+bool IsPlainAscii(const char* p, size_t n) {
+  constexpr uint64_t kOnes = 0x0101010101010101ull, kHigh = 0x8080808080808080ull;
+  constexpr uint64_t kCr = 0x0D0D0D0D0D0D0D0Dull;
+  uint64_t found = 0;
+  for (; n >= 8; p += 8, n -= 8) {
+    uint64_t word;
+    std::memcpy(&word, p, 8);
+    const uint64_t cr = word ^ kCr;
+    found |= word | ((word - kOnes) & ~word) | ((cr - kOnes) & ~cr);
+  }
+  for (; n > 0; ++p, --n) {
+    const unsigned char c = static_cast<unsigned char>(*p);
+    if (c == '\r' || c == 0) return false;
+    found |= c;
+  }
+  return (found & kHigh) == 0;
+}
+
+}  // namespace
+
 const CXmlNodeName* CExpatReader::NameOf(const XML_Char* name) {
   const std::string_view whole(name);
+  RecentName& recent = m_recent[RecentSlot(whole, kRecentNames)];
+  if (recent.name && recent.key == whole) return recent.name;
+  const CXmlNodeName* found = LookUpName(whole);
+  recent.key.assign(whole.data(), whole.size());
+  recent.name = found;
+  return found;
+}
+
+const CXmlNodeName* CExpatReader::LookUpName(std::string_view whole) {
   const size_t hash = CStringMap::Hash(whole);
   if (const void* known = m_names.Find(whole, hash)) return static_cast<const CXmlNodeName*>(known);
   // expat joins a namespace URI and a local name with the separator; local
@@ -126,9 +170,15 @@ void XMLCALL CExpatReader::FnEndElement(void* userData, const XML_Char*) {
 void XMLCALL CExpatReader::FnText(void* userData, const XML_Char* text, int length) {
   if (length <= 0) return;
   Guarded(userData, [&](CExpatReader& reader) {
+    const std::string_view utf8(text, static_cast<size_t>(length));
+    // Most text is ASCII without carriage returns: one scan tells, and it
+    // goes straight to the element's gathered text.
+    if (IsPlainAscii(utf8.data(), utf8.size())) {
+      reader.m_store.AppendToTop(utf8, true);
+      return;
+    }
     std::string converted;
-    const std::string_view local = reader.m_scratch.ToLocal(std::string_view(text, length), converted);
-    reader.m_store.AppendText(reader.m_store.Top(), local);
+    reader.m_store.AppendToTop(reader.m_scratch.ToLocal(utf8, converted), false);
   });
 }
 

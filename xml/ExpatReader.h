@@ -45,12 +45,21 @@ class CExpatReader {
   // The document's shared name for a name as expat reports it ("uri|local"
   // or a name without namespace), converted and split once per load.
   const CXmlNodeName* NameOf(const XML_Char* name);
+  const CXmlNodeName* LookUpName(std::string_view whole);
   void ReleaseParser();
 
   CXmlDocument& m_document;
   CXmlDocumentStore& m_store;
   CLocalTextScratch m_scratch;
   CStringMap m_names;
+  // A document uses few names over and over: the last one seen in each
+  // slot answers most lookups with one comparison, before the full map.
+  struct RecentName {
+    std::string key;
+    const CXmlNodeName* name = nullptr;
+  };
+  static constexpr size_t kRecentNames = 64;
+  RecentName m_recent[kRecentNames];
   XML_Parser m_parser = nullptr;
   std::exception_ptr m_failure;
 };
