@@ -4,6 +4,8 @@
 // The texts of the messages of member records, collections and untyped
 // content. They are part of the library's interface: keep them word for word,
 // misspellings included.
+#include "binding/BindingMessages.h"
+
 namespace KoXmlLib10::msg {
 
 // Collections.
@@ -41,8 +43,8 @@ inline constexpr char kRequiredElementMissing[] = "Failed to find a required ele
 inline constexpr char kMandatoryElementMissing[] = "Failed to find the mandatory element [%s]";
 inline constexpr char kRequiredElementFromNamespace[] = "Failed to find the required element from namespace [%s]";
 inline constexpr char kNoSubstitutionElement[] = "Failed to find a suitable substitution element for [%s]";
-inline constexpr char kUnexpectedNilValue[] = "Unexpected Value [%s] for 'nil' Attribute found.";
-inline constexpr char kNilOnNonNillable[] = "Invalid use of 'nil' attibute in non-nillable element [%s]";
+// The nil rule's two messages (kUnexpectedNilValue, kNilOnNonNillable) are
+// the engine's: records and the engine apply the same rule.
 inline constexpr char kCannotCheckRestriction[] = "Cannot CheckRestriction for type: ";
 inline constexpr char kRequiredAttributeMissing[] = "Failed to find the required Attribute [%s]";
 inline constexpr char kNotAnAttributeCol[] =
