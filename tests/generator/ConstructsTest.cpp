@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "support/GeneratedRoundTrip.h"
+
 #include "DeriveBinding.h"
 #include "GroupsBinding.h"
 #include "NamesBinding.h"
@@ -31,70 +33,15 @@ std::string Instance(const std::string& name) {
   return ReadFile(std::string(KOXML_GENERATOR_DATA) + "/schemas/" + name + ".xml");
 }
 
-// A canonical form that does not depend on prefixes: every name with its
-// namespace URI, attributes sorted, namespace declarations left out, text
-// without surrounding whitespace, and xsi:type values as {namespace}name.
-std::string Canonical(const std::string& xml) {
-  static const std::string kXsi = "http://www.w3.org/2001/XMLSchema-instance";
-  CXmlDocument doc;
-  doc.LoadXml(xml.c_str());
-  std::string out;
-  struct Walk {
-    std::string& out;
-    void operator()(CXmlElement* e, int depth) {
-      out += std::string(static_cast<size_t>(depth) * 2, ' ') + "{" + e->GetNamespaceURI() + "}" + e->GetLocalName();
-      std::vector<std::string> attributes;
-      for (const CXmlAttribute* a : e->GetAttributes()) {
-        if (a->IsNamespaceAttribute()) continue;
-        std::string value = a->GetValue();
-        if (a->GetNamespaceURI() == kXsi && a->GetLocalName() == "type")
-          value = "{" + CClassfactoryBase::GetElementTypeNamespaceUri(e) + "}" + CClassfactoryBase::GetElementType(e);
-        attributes.push_back("{" + a->GetNamespaceURI() + "}" + a->GetLocalName() + "=" + value);
-      }
-      std::sort(attributes.begin(), attributes.end());
-      for (const std::string& a : attributes) out += " " + a;
-      std::string text = e->GetText();
-      text.erase(0, text.find_first_not_of(" \t\r\n"));
-      text.erase(text.find_last_not_of(" \t\r\n") + 1);
-      if (!text.empty()) out += " [" + text + "]";
-      out += "\n";
-      for (CXmlElement* c = e->GetFirstElement(); c; c = c->GetNextSiblingElement()) (*this)(c, depth + 1);
-    }
-  };
-  Walk{out}(doc.GetDocumentElement(), 0);
-  return out;
-}
+std::string SchemaPath(const std::string& name) { return std::string(KOXML_GENERATOR_DATA) + "/schemas/" + name + ".xsd"; }
 
-// xmllint's verdict on a document against a schema; true when xmllint is
-// not installed.
 bool ValidAgainst(const std::string& xml, const std::string& schema, const std::string& name) {
-  const std::string xmllint = KOXML_XMLLINT;
-  if (xmllint.empty()) return true;
-  const std::string path = name + "-out.xml";
-  std::ofstream(path, std::ios::binary) << xml;
-  const std::string command = xmllint + " --noout --schema " + std::string(KOXML_GENERATOR_DATA) + "/schemas/" +
-                              schema + ".xsd " + path + " 2>/dev/null";
-  return std::system(command.c_str()) == 0;
+  return ValidAgainstSchema(KOXML_XMLLINT, xml, SchemaPath(schema), name);
 }
 
-// Reads the instance document of `name` into a T and checks that every
-// way of writing it keeps the document.
 template <class T>
 void ExpectRoundTrip(const std::string& name) {
-  const std::string input = Instance(name);
-  CSmartPtr<T> doc(new T);
-  doc->FromXml(input.c_str(), Ctx());
-  const std::string text = doc->ToXml(false, false, EOLTypeLF, Ctx());
-  EXPECT_EQ(Canonical(text), Canonical(input)) << text;
-  EXPECT_TRUE(ValidAgainst(text, name, name)) << text;
-  for (CompressionType compression : {CompressionTypeNone, CompressionTypeGzip}) {
-    CSmartPtr<T> fi(new T);
-    fi->FromXmlStream(doc->ToFastInfosetStream(FInfoDeclNone, Ctx(), compression), Ctx());
-    EXPECT_EQ(fi->ToXml(false, false, EOLTypeLF, Ctx()), text) << "Fast Infoset, compression " << compression;
-    CSmartPtr<T> gz(new T);
-    gz->FromXmlStream(doc->ToXmlStream(false, false, XmlEncoding_UTF8, EOLTypeLF, Ctx(), compression), Ctx());
-    EXPECT_EQ(gz->ToXml(false, false, EOLTypeLF, Ctx()), text) << "XML text, compression " << compression;
-  }
+  ExpectGeneratedRoundTrip<T>(Instance(name), "", KOXML_XMLLINT, SchemaPath(name), name);
 }
 
 TEST(GeneratedConstructs, DerivationRoundTrips) { ExpectRoundTrip<derive::CDrawing>("derive"); }

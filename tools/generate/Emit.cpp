@@ -361,6 +361,17 @@ class Writer {
       h << "  bool " << v << "Nil = false;\n";
   }
 
+  // The namespace a new wildcard element starts in, as the records choose
+  // it: one that the restriction admits.
+  static std::string AnyDefaultNamespace(const std::string& restriction, const ClassModel& c) {
+    std::string r = restriction;
+    if (r.size() > 2 && r.compare(0, 2, "##") == 0 && r.find(' ') != std::string::npos) r = r.substr(0, r.find(' '));
+    if (r == "##any") return c.elementNamespace;
+    if (r == "##other") return c.elementNamespace.empty() ? "DefaultNamespace" : "";
+    if (r == "##targetNamespace") return c.ns->uri;
+    return "";
+  }
+
   std::string InitOf(const ClassModel& c, const Member& m) const {
     const std::string v = Var(m);
     const std::string ns = m.xmlNamespace.empty() ? "\"\"" : Quote(m.xmlNamespace);
@@ -374,7 +385,7 @@ class Writer {
           << ", " << max << (m.kind == MemberKind::AbsCls ? ", &" + ClassType(c, m) + "::CreateFromElement" : "")
           << ");";
       } else if (m.kind == MemberKind::Untyped) {
-        o << v << " = new CElementCol(" << ns << ", " << Quote(m.wildcard) << ", kTargetNamespace, " << m.minOccurs
+        o << v << " = new CElementCol(" << Quote(AnyDefaultNamespace(m.wildcard, c)) << ", " << Quote(m.wildcard) << ", kTargetNamespace, " << m.minOccurs
           << ", " << max << ");";
       } else {
         koxml::generate::Restrictions r = m.simple.restrictions;
@@ -395,7 +406,8 @@ class Writer {
         o << v << " = nullptr;";
     } else if (m.kind == MemberKind::Untyped) {
       if (m.occurrence == Occurrence::Mandatory)
-        o << v << " = new CElement(" << Quote(m.xmlName) << ", " << ns << ", " << Quote(m.wildcard)
+        o << v << " = new CElement(" << Quote(m.xmlName) << ", "
+          << (m.xmlName == "AnyElement" ? Quote(AnyDefaultNamespace(m.wildcard, c)) : ns) << ", " << Quote(m.wildcard)
           << ", kTargetNamespace);";
       else
         o << v << " = nullptr;";

@@ -76,7 +76,8 @@ void WriteIfChanged(const std::string& path, const std::string& contents) {
 std::pair<std::string, std::string> SplitMapping(const std::string& value, const char* option) {
   // The URI may hold '=' itself; the last one separates.
   const size_t eq = value.rfind('=');
-  if (eq == std::string::npos || eq == 0 || eq + 1 == value.size())
+  // An empty URI stands for no namespace.
+  if (eq == std::string::npos || eq + 1 == value.size())
     throw UsageError(std::string(option) + " expects URI=VALUE, got '" + value + "'");
   return {value.substr(0, eq), value.substr(eq + 1)};
 }
