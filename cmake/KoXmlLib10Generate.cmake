@@ -59,13 +59,19 @@ function(koxmllib10_generate)
     list(APPEND _sources ${_dir}/shard_${_i}.cpp)
   endforeach()
   set(_report ${CMAKE_CURRENT_BINARY_DIR}/${GEN_TARGET}.report.txt)
+  # Schemas reached through include, import and redefine are listed by the
+  # generator in a dependency file, so that editing one regenerates.
+  set(_depfile ${CMAKE_CURRENT_BINARY_DIR}/${GEN_TARGET}.d)
+  list(GET _sources 0 _first)
   # Unchanged files keep their time stamps (so their classes are not
   # recompiled); the shards are touched so the rule does not run again.
   add_custom_command(
     OUTPUT ${_sources} ${_report}
-    COMMAND ${_koxml} generate ${_schemas} --out ${_dir} --shards ${GEN_SHARDS} --report ${_report} ${_args}
+    COMMAND ${_koxml} generate ${_schemas} --out ${_dir} --shards ${GEN_SHARDS} --report ${_report}
+            --depfile ${_depfile} ${_first} ${_args}
     COMMAND ${CMAKE_COMMAND} -E touch ${_sources} ${_report}
     DEPENDS ${_schemas} ${_koxml_dep}
+    DEPFILE ${_depfile}
     COMMENT "Generating C++ classes for ${GEN_TARGET}"
     VERBATIM)
   add_library(${GEN_TARGET} STATIC ${_sources})

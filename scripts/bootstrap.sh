@@ -4,7 +4,7 @@
 set -eu
 packages=(cmake g++ make pkg-config libexpat1-dev zlib1g-dev libpcre2-dev
           libgtest-dev libbenchmark-dev libxml2-utils
-          default-jdk-headless libfastinfoset-java)
+          default-jdk-headless libfastinfoset-java xsdcxx)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

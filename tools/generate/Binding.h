@@ -85,6 +85,10 @@ struct ClassModel {
   bool nillable = false;
   bool needsCollection = false;
   bool writeTypeAttribute = false;
+  // Members of this type may hold a derived class named by xsi:type: the
+  // class has an element factory that chooses among itself and its derived
+  // classes.
+  bool elementFactory = false;
   bool mapped = false;  // content filled in
   std::set<std::string> inherited;  // lower-case property names of the bases
   std::string rootFile;

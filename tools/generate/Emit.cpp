@@ -313,7 +313,7 @@ class Writer {
     }
     if (m.kind == MemberKind::Cls || m.kind == MemberKind::AbsCls) {
       h << "  " << ClassType(c, m) << "* Get" << P << "() const { return " << v << ".get(); }\n";
-      if (m.occurrence == Occurrence::Optional)
+      if (m.occurrence == Occurrence::Optional || m.kind == MemberKind::AbsCls)
         h << "  void Set" << P << "(" << ClassType(c, m) << "* value) { " << v << " = value; }\n";
       return;
     }
@@ -361,6 +361,17 @@ class Writer {
       h << "  bool " << v << "Nil = false;\n";
   }
 
+  // The namespace a new wildcard element starts in, as the records choose
+  // it: one that the restriction admits.
+  static std::string AnyDefaultNamespace(const std::string& restriction, const ClassModel& c) {
+    std::string r = restriction;
+    if (r.size() > 2 && r.compare(0, 2, "##") == 0 && r.find(' ') != std::string::npos) r = r.substr(0, r.find(' '));
+    if (r == "##any") return c.elementNamespace;
+    if (r == "##other") return c.elementNamespace.empty() ? "DefaultNamespace" : "";
+    if (r == "##targetNamespace") return c.ns->uri;
+    return "";
+  }
+
   std::string InitOf(const ClassModel& c, const Member& m) const {
     const std::string v = Var(m);
     const std::string ns = m.xmlNamespace.empty() ? "\"\"" : Quote(m.xmlNamespace);
@@ -371,9 +382,10 @@ class Writer {
       const int max = m.maxOccurs;
       if (m.kind == MemberKind::Cls || m.kind == MemberKind::AbsCls) {
         o << v << " = new " << CollectionType(c, m) << "(" << Quote(m.xmlName) << ", " << ns << ", " << m.minOccurs
-          << ", " << max << ");";
+          << ", " << max << (m.kind == MemberKind::AbsCls ? ", &" + ClassType(c, m) + "::CreateFromElement" : "")
+          << ");";
       } else if (m.kind == MemberKind::Untyped) {
-        o << v << " = new CElementCol(" << ns << ", " << Quote(m.wildcard) << ", kTargetNamespace, " << m.minOccurs
+        o << v << " = new CElementCol(" << Quote(AnyDefaultNamespace(m.wildcard, c)) << ", " << Quote(m.wildcard) << ", kTargetNamespace, " << m.minOccurs
           << ", " << max << ");";
       } else {
         koxml::generate::Restrictions r = m.simple.restrictions;
@@ -386,13 +398,16 @@ class Writer {
           << (m.kind == MemberKind::Enum ? "kCollapse" : Whitespace(m.simple.whitespace)) << ", nullptr);";
       }
     } else if (m.kind == MemberKind::Cls || m.kind == MemberKind::AbsCls) {
-      if (m.occurrence == Occurrence::Mandatory)
+      // A mandatory member of an abstract type has no object until one is
+      // read or set.
+      if (m.occurrence == Occurrence::Mandatory && !m.cls->isAbstract)
         o << v << " = new " << ClassType(c, m) << "(" << Quote(m.xmlName) << ");";
       else
         o << v << " = nullptr;";
     } else if (m.kind == MemberKind::Untyped) {
       if (m.occurrence == Occurrence::Mandatory)
-        o << v << " = new CElement(" << Quote(m.xmlName) << ", " << ns << ", " << Quote(m.wildcard)
+        o << v << " = new CElement(" << Quote(m.xmlName) << ", "
+          << (m.xmlName == "AnyElement" ? Quote(AnyDefaultNamespace(m.wildcard, c)) : ns) << ", " << Quote(m.wildcard)
           << ", kTargetNamespace);";
       else
         o << v << " = nullptr;";
@@ -490,8 +505,12 @@ class Writer {
             << "FromText)";
         }
         break;
-      case MemberKind::Cls:
       case MemberKind::AbsCls:
+        if (m.occurrence == Occurrence::Collection) o << "AbsClsCol(" << head << ", " << elementType << ")";
+        else
+          o << "AbsCls" << occ << "(" << head << ", " << elementType << ", &" << ClassType(c, m) << "::CreateFromElement)";
+        break;
+      case MemberKind::Cls:
         if (m.occurrence == Occurrence::Collection) o << "ClsCol(" << head << ", " << elementType << ")";
         else if (m.occurrence == Occurrence::Optional)
           o << "ClsOpt(" << head << ", " << elementType << ", &" << ClassType(c, m) << "::Create, 0)";
@@ -525,6 +544,52 @@ class Writer {
         << Whitespace(m.simple.whitespace) << ", " << RestrictionsText(m.simple.restrictions) << ", " << deflt << ")";
     }
     return o.str();
+  }
+
+  // Every class derived from c, directly or not, in a stable order.
+  static std::vector<const ClassModel*> Descendants(const ClassModel& c) {
+    std::vector<const ClassModel*> out;
+    std::vector<const ClassModel*> pending{&c};
+    for (size_t i = 0; i < pending.size() && i < 100000; ++i)
+      for (const ClassModel* k : pending[i]->derived) {
+        out.push_back(k);
+        pending.push_back(k);
+      }
+    return out;
+  }
+
+  void ElementFactory(std::ostringstream& s, const ClassModel& c) const {
+    std::vector<const ClassModel*> candidates;
+    if (!c.isAbstract) candidates.push_back(&c);
+    // Anonymous types cannot be named by xsi:type.
+    for (const ClassModel* k : Descendants(c))
+      if (!k->isAbstract && !k->sourceName.empty()) candidates.push_back(k);
+    s << "CSmartPtr<CXmlObjectBase> " << c.cxxName << "::CreateFromElement(CXmlElement* element) {\n";
+    s << "  const std::string type = CClassfactoryBase::GetElementType(element);\n";
+    s << "  const char* name = element->GetLocalName().c_str();\n";
+    s << "  if (type.empty()) return " << (c.isAbstract ? "nullptr" : "new " + c.cxxName + "(name)") << ";\n";
+    if (candidates.empty()) {
+      s << "  return nullptr;\n}\n\n";
+      return;
+    }
+    s << "  const std::string typeNamespace = CClassfactoryBase::GetElementTypeNamespaceUri(element);\n";
+    s << "  struct Entry {\n    const char* name;\n    const char* ns;\n"
+         "    CSmartPtr<CXmlObjectBase> (*create)(int, const char*);\n  };\n";
+    s << "  static const Entry kTypes[] = {\n";
+    for (const ClassModel* k : candidates)
+      s << "      {" << Quote(k->typeName) << ", " << Quote(k->typeNamespace) << ", &"
+        << Qualified(c.ns, k->ns, k->cxxName) << "::Create},\n";
+    s << "  };\n";
+    s << "  for (const Entry& e : kTypes)\n"
+         "    if (type == e.name && typeNamespace == e.ns) return e.create(0, name);\n";
+    s << "  // A prefix-less xsi:type resolves to the element's namespace; a type\n"
+         "  // named in no namespace is still found when its local name is unique.\n";
+    s << "  const Entry* found = nullptr;\n";
+    s << "  for (const Entry& e : kTypes) {\n"
+         "    if (type != e.name) continue;\n"
+         "    if (found) return nullptr;\n"
+         "    found = &e;\n  }\n";
+    s << "  return found ? found->create(0, name) : nullptr;\n}\n\n";
   }
 
   void ClassFiles(const ClassModel& c) {
@@ -596,7 +661,13 @@ class Writer {
     h << " };\n\n";
     h << "  explicit " << c.cxxName << "(const char* elementName = " << Quote(c.defaultElement) << ");\n";
     h << "  ~" << c.cxxName << "() override;\n";
-    h << "  static CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);\n\n";
+    h << "  static CSmartPtr<KoXmlLib10::CXmlObjectBase> Create(int factoryCode, const char* elementName);\n";
+    if (c.elementFactory)
+      h << "  // The object for an element of this type: this class or the derived one\n"
+           "  // its xsi:type names; none for an unknown type"
+        << (c.isAbstract ? " or an element without xsi:type" : "") << ".\n"
+        << "  static CSmartPtr<KoXmlLib10::CXmlObjectBase> CreateFromElement(KoXmlLib10::CXmlElement* element);\n";
+    h << "\n";
     for (const Member* m : members) Accessors(h, c, *m);
     if (c.simpleContent && !c.base) {
       Member value;
@@ -637,6 +708,10 @@ class Writer {
       h << "\n// A repeated " << CommentText(c.defaultElement) << " member.\n";
       h << "class " << Export() << k << "Col : public KoXmlLib10::CXmlClassCollection {\n public:\n";
       h << "  " << k << "Col(const char* elementName, const char* elementNamespace, int minOccurs, int maxOccurs);\n";
+      if (c.elementFactory)
+        h << "  // Items chosen by the element factory (xsi:type).\n"
+          << "  " << k << "Col(const char* elementName, const char* elementNamespace, int minOccurs, int maxOccurs,\n"
+          << "      KoXmlLib10Data::ElementFactoryFunction factory);\n";
       h << "  CSmartPtr<" << k << "> Add();\n";
       h << "  void Add(" << k << "* item) { AppendItem(item); }\n";
       h << "  " << k << "* Item(int index) const { return static_cast<" << k << "*>(GetNodeAtIndex(index)->item); }\n";
@@ -655,7 +730,13 @@ class Writer {
 
     // --- source ---
     std::ostringstream s;
-    s << "#include " << Include(c.fileBase + ".h") << "\n\n#include " << Include(ns.fileBase + "Namespace.h") << "\n\n";
+    s << "#include " << Include(c.fileBase + ".h") << "\n\n#include " << Include(ns.fileBase + "Namespace.h") << "\n";
+    if (c.elementFactory) {
+      std::set<std::string> derivedHeaders;
+      for (const ClassModel* k : Descendants(c)) derivedHeaders.insert(k->fileBase + ".h");
+      for (const std::string& inc : derivedHeaders) s << "#include " << Include(inc) << "\n";
+    }
+    s << "\n";
     s << "using namespace KoXmlLib10;\nusing namespace KoXmlLib10Data;\n\n" << Open(ns) << "\nnamespace {\n\n";
     const std::string records = "Create" + c.fileBase + "Records";
     s << "void " << records << "(CParentElementInfo*& info, CElementInfo**& elements, CAttributeInfo**& attributes) {\n";
@@ -703,6 +784,7 @@ class Writer {
     s << c.cxxName << "::~" << c.cxxName << "() = default;\n\n";
     s << "CSmartPtr<CXmlObjectBase> " << c.cxxName << "::Create(int, const char* elementName) { return new "
       << c.cxxName << "(elementName); }\n\n";
+    if (c.elementFactory) ElementFactory(s, c);
     s << "std::string " << c.cxxName << "::GetTargetNamespace() const { return " << Quote(c.elementNamespace) << "; }\n";
     s << "std::string " << c.cxxName << "::GetNamespace() const { return kTargetNamespace; }\n";
     s << "CParentElementInfo* " << c.cxxName << "::GetClassInfo() { return g_" << c.fileBase << "Records.Info(); }\n";
@@ -749,6 +831,10 @@ class Writer {
       s << "\n" << k << "Col::" << k << "Col(const char* elementName, const char* elementNamespace, int minOccurs, int maxOccurs)\n"
         << "    : CXmlClassCollection(elementName, elementNamespace, minOccurs, maxOccurs, &" << k << "::Create, 0"
         << (c.pseudo ? ", XmlElementTypePseudo" : "") << ") {}\n\n";
+      if (c.elementFactory)
+        s << k << "Col::" << k << "Col(const char* elementName, const char* elementNamespace, int minOccurs, int maxOccurs,\n"
+          << "    ElementFactoryFunction factory)\n"
+          << "    : CXmlClassCollection(elementName, elementNamespace, minOccurs, maxOccurs, factory) {}\n\n";
       s << "CSmartPtr<" << k << "> " << k << "Col::Add() {\n  CSmartPtr<" << k << "> item(new " << k
         << "(GetElementName().c_str()));\n  AppendItem(item.get());\n  return item;\n}\n";
     }

@@ -35,7 +35,8 @@ const char kGenerateUsage[] =
     "  --shards N                 also write shard_1.cpp ... shard_N.cpp, which include\n"
     "                             all generated sources (fixed names for build systems)\n"
     "  --print-outputs            list the files that would be written, write nothing\n"
-    "  --print-inputs             list the schema files read, write nothing\n";
+    "  --print-inputs             list the schema files read, write nothing\n"
+    "  --depfile FILE TARGET      write a make dependency file: TARGET depends on every schema read\n";
 
 namespace {
 
@@ -75,7 +76,8 @@ void WriteIfChanged(const std::string& path, const std::string& contents) {
 std::pair<std::string, std::string> SplitMapping(const std::string& value, const char* option) {
   // The URI may hold '=' itself; the last one separates.
   const size_t eq = value.rfind('=');
-  if (eq == std::string::npos || eq == 0 || eq + 1 == value.size())
+  // An empty URI stands for no namespace.
+  if (eq == std::string::npos || eq + 1 == value.size())
     throw UsageError(std::string(option) + " expects URI=VALUE, got '" + value + "'");
   return {value.substr(0, eq), value.substr(eq + 1)};
 }
@@ -85,7 +87,7 @@ std::pair<std::string, std::string> SplitMapping(const std::string& value, const
 int RunGenerate(int argc, char** argv) {
   try {
     std::vector<std::string> schemas;
-    std::string out, reportFile;
+    std::string out, reportFile, depFile, depTarget;
     LoadOptions load;
     MappingOptions mapping;
     EmitOptions emit;
@@ -114,6 +116,10 @@ int RunGenerate(int argc, char** argv) {
         emit.shards = static_cast<int>(count);
       }
       else if (arg == "--report") reportFile = value();
+      else if (arg == "--depfile") {
+        depFile = value();
+        depTarget = value();
+      }
       else if (arg == "--print-outputs") printOutputs = true;
       else if (arg == "--print-inputs") printInputs = true;
       else if (arg == "--help" || arg == "-h") {
@@ -144,6 +150,17 @@ int RunGenerate(int argc, char** argv) {
     std::ostringstream report;
     for (const Loss& loss : model.losses) report << loss.where.ToString() << ": " << loss.text << "\n";
     if (!reportFile.empty()) WriteIfChanged(reportFile, report.str());
+    if (!depFile.empty()) {
+      // Spaces in paths are escaped as make expects.
+      auto escape = [](const std::string& path) {
+        std::string e;
+        for (char ch : path) e += ch == ' ' ? std::string("\\ ") : std::string(1, ch);
+        return e;
+      };
+      std::string dep = escape(depTarget) + ":";
+      for (const auto& doc : set.documents) dep += " \\\n  " + escape(doc->path);
+      WriteIfChanged(depFile, dep + "\n");
+    }
     size_t classes = model.classes.size(), enums = model.enums.size();
     std::fprintf(stderr, "koxml generate: %zu classes, %zu enumerations, %zu files in %s", classes, enums,
                  files.size(), out.c_str());

@@ -346,6 +346,7 @@ class Mapper {
       c->source = d.anonymousComplex.get();
       c->nillable = d.nillable;
       m_elementClasses[q] = c;
+      m_anonymous[d.anonymousComplex.get()] = c;
     } else if (!d.type.empty() && m_set.complexTypes.count(d.type)) {
       ClassModel* c = ClassForType(d.type, d.where);
       if (!m_defaultTaken.count(c)) {
@@ -448,6 +449,8 @@ class Mapper {
     const ModelGroup* group = GroupOf(p);
     if (group && p.minOccurs == 1 && p.maxOccurs == 1) {
       c.groupType = static_cast<int>(group->kind);
+      if (group->kind == ModelGroup::Kind::All && group->particles.size() > 1)
+        Lose(group->where, "xs:all: elements are read in any order and written in declaration order");
       for (const Particle& q : group->particles) AddParticle(c, q, group->kind);
     } else {
       c.groupType = 0;
@@ -555,6 +558,105 @@ class Mapper {
     c.elements.push_back(std::move(m));
   }
 
+  // The global elements that may stand for `head` (its substitution group,
+  // transitively), in declaration order.
+  std::vector<const ElementDecl*> Substitutes(const QName& head) {
+    std::vector<const ElementDecl*> out;
+    std::set<QName> seen{head};
+    std::vector<QName> pending{head};
+    while (!pending.empty()) {
+      const QName h = pending.front();
+      pending.erase(pending.begin());
+      for (const QName& q : m_set.elementOrder) {
+        const ElementDecl* e = m_set.elements.at(q).get();
+        if (e->substitutionGroup == h && seen.insert(q).second) {
+          out.push_back(e);
+          pending.push_back(q);
+        }
+      }
+    }
+    return out;
+  }
+
+  // A reference to the head of a substitution group becomes a choice
+  // pseudo-element class over the head and its substitutes, so that whichever
+  // element the document holds is read with its own type and written back
+  // under its own name.
+  void AddSubstitutionGroup(ClassModel& c, const Particle& p, const ElementDecl& head,
+                            const std::vector<const ElementDecl*>& substitutes, ModelGroup::Kind parentKind) {
+    ClassModel* pseudo = nullptr;
+    auto known = m_substitutionClasses.find(head.name);
+    if (known != m_substitutionClasses.end()) {
+      pseudo = known->second;
+    } else {
+      pseudo = NewClass(head.name.name + "Substitution", head.name.ns, "substitution group of element " + head.name.name);
+      m_substitutionClasses[head.name] = pseudo;
+      pseudo->pseudo = true;
+      pseudo->typeName = head.name.name;
+      pseudo->typeNamespace = head.name.ns;
+      pseudo->defaultElement = head.name.name;
+      pseudo->elementNamespace = head.name.ns;
+      pseudo->groupType = static_cast<int>(ModelGroup::Kind::Choice);
+      pseudo->mapped = true;
+      pseudo->rootFile = c.rootFile;
+      std::vector<const ElementDecl*> members;
+      if (!head.isAbstract) members.push_back(&head);
+      for (const ElementDecl* e : substitutes)
+        if (!e->isAbstract) members.push_back(e);
+      for (const ElementDecl* e : members) {
+        Particle alternative;
+        alternative.where = e->where;
+        alternative.element = std::make_unique<ElementDecl>();
+        alternative.element->ref = e->name;
+        alternative.element->where = e->where;
+        m_inSubstitution = true;
+        AddElement(*pseudo, alternative, ModelGroup::Kind::Choice);
+        m_inSubstitution = false;
+      }
+    }
+    Member m;
+    m.kind = MemberKind::Cls;
+    m.cls = pseudo;
+    m.xmlName = head.name.name;
+    m.xmlNamespace = head.name.ns;
+    m.minOccurs = p.minOccurs;
+    m.maxOccurs = p.maxOccurs;
+    m.occurrence = OccurrenceOf(p.minOccurs, p.maxOccurs);
+    if (parentKind == ModelGroup::Kind::Choice && m.occurrence == Occurrence::Mandatory)
+      m.occurrence = Occurrence::Optional;
+    m.contentRequired = p.minOccurs > 0;
+    if (m.occurrence == Occurrence::Collection) pseudo->needsCollection = true;
+    if (parentKind == ModelGroup::Kind::All)
+      Lose(p.where, "substitution group of '" + head.name.name + "' in an all group: its elements are read in any order only as a whole");
+    const std::string wanted = UpperCamel(head.name.name);
+    m.property = PropertyName(c, m.occurrence == Occurrence::Collection ? Plural(wanted) : wanted);
+    c.elements.push_back(std::move(m));
+  }
+
+  // Whether members of a complex type may hold another class: the type is
+  // abstract or some type derives from it.
+  bool Derivable(const QName& type) const {
+    auto it = m_set.complexTypes.find(type);
+    if (it == m_set.complexTypes.end()) return false;
+    if (it->second->isAbstract) return true;
+    for (const auto& [name, t] : m_set.complexTypes)
+      if (t->base == type && t->derivation != ComplexType::Derivation::None) return true;
+    return false;
+  }
+
+  // Classes for every type derived from `type`, so that the element factory
+  // of its class can create them.
+  void EnsureDerived(const QName& type, int depth = 0) {
+    if (depth > 64) return;
+    for (const QName& q : m_set.complexTypeOrder) {
+      const ComplexType& t = *m_set.complexTypes.at(q);
+      if (t.base == type && t.derivation != ComplexType::Derivation::None && q.name.find('~') == std::string::npos) {
+        ClassForType(q, t.where);
+        EnsureDerived(q, depth + 1);
+      }
+    }
+  }
+
   void AddElement(ClassModel& c, const Particle& p, ModelGroup::Kind parentKind) {
     const ElementDecl* d = p.element.get();
     bool nillable = d->nillable;
@@ -563,11 +665,10 @@ class Mapper {
       if (it == m_set.elements.end()) throw SchemaError(p.where, "unknown element '" + d->ref.ToString() + "'");
       d = it->second.get();
       nillable = d->nillable;
-      for (const auto& [name, other] : m_set.elements)
-        if (other->substitutionGroup == d->name) {
-          Lose(p.where, "substitution group of '" + d->name.name + "': only the head element is read and written");
-          break;
-        }
+      if (!m_inSubstitution) {
+        const std::vector<const ElementDecl*> substitutes = Substitutes(d->name);
+        if (!substitutes.empty()) return AddSubstitutionGroup(c, p, *d, substitutes, parentKind);
+      }
     }
     Member m;
     m.xmlName = d->name.name;
@@ -616,17 +717,25 @@ class Mapper {
       m.kind = MemberKind::Cls;
       m.cls = k;
       if (nillable) k->nillable = true;
-      if (!m_set.complexTypes.at(d->type)->isAbstract) {
-        // Derived types announced by xsi:type are read as the declared type.
-        m_derivableUses.emplace_back(d->type, p.where);
+      if (Derivable(d->type)) {
+        EnsureDerived(d->type);
+        if (parentKind == ModelGroup::Kind::All) {
+          // The run time cannot read derivable members of an all group.
+          Lose(p.where, "member '" + d->name.name + "' of derivable type '" + d->type.name +
+                            "' in an all group is read as the declared type; xsi:type naming a derived type is not resolved");
+        } else {
+          m.kind = MemberKind::AbsCls;
+          k->elementFactory = true;
+        }
       }
     } else {
       m.kind = MemberKind::Prim;
       m.simple = Simple(d->type, p.where, "");
     }
     if (m.kind == MemberKind::Prim && m.simple.enumeration) m.kind = MemberKind::Enum;
-    if (m.kind == MemberKind::Cls && m.occurrence == Occurrence::Collection) m.cls->needsCollection = true;
-    if (m.kind == MemberKind::Cls && m.nillable) m.cls->nillable = true;
+    if ((m.kind == MemberKind::Cls || m.kind == MemberKind::AbsCls) && m.occurrence == Occurrence::Collection)
+      m.cls->needsCollection = true;
+    if ((m.kind == MemberKind::Cls || m.kind == MemberKind::AbsCls) && m.nillable) m.cls->nillable = true;
     if (m.kind == MemberKind::Untyped && m.nillable) {
       Lose(d->where, "nillable untyped element '" + d->name.name + "': xsi:nil is kept as an attribute");
       m.nillable = false;
@@ -742,17 +851,6 @@ class Mapper {
     m_model.losses.push_back(Loss{where, text});
   }
 
- public:
-  void ReportDerivations() {
-    for (const auto& [type, where] : m_derivableUses) {
-      bool hasDerived = false;
-      for (const auto& [name, t] : m_set.complexTypes)
-        if (t->base == type && t->derivation != ComplexType::Derivation::None) hasDerived = true;
-      if (hasDerived)
-        Lose(where, "members of type '" + type.name + "' are read as that type; xsi:type naming a derived type is not resolved");
-    }
-  }
-
  private:
   const SchemaSet& m_set;
   const MappingOptions& m_options;
@@ -764,7 +862,8 @@ class Mapper {
   std::map<QName, ClassModel*> m_elementClasses;
   std::map<const ComplexType*, ClassModel*> m_anonymous;
   std::set<const ClassModel*> m_defaultTaken;
-  std::vector<std::pair<QName, Location>> m_derivableUses;
+  std::map<QName, ClassModel*> m_substitutionClasses;
+  bool m_inSubstitution = false;
   std::string m_currentRoot;
   std::string m_currentNamespace;
 };
@@ -775,7 +874,6 @@ void MapSchemas(const SchemaSet& set, const std::vector<std::string>& rootFiles,
                 BindingModel& model) {
   Mapper mapper(set, options, model);
   mapper.Run(rootFiles);
-  mapper.ReportDerivations();
 }
 
 }  // namespace koxml::generate
