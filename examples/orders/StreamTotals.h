@@ -26,7 +26,7 @@ struct COrderTotals {
   void Add(const COrder& order) {
     ++orders;
     KoXmlLib10::CDecimal fromItems;
-    for (const CItem* item : *order.GetItems()) {
+    for (const CLineItem* item : *order.GetItems()) {
       ++items;
       fromItems += item->GetPrice() * KoXmlLib10::CDecimal(item->GetQty());
     }

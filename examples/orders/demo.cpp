@@ -34,7 +34,7 @@ double PeakMegabytes() {
 // Starts a new peak: the kernel forgets the old one.
 void ResetPeak() { std::ofstream("/proc/self/clear_refs") << "5"; }
 
-bool SameItem(const CItem& a, const CItem& b) {
+bool SameItem(const CLineItem& a, const CLineItem& b) {
   return a.GetDescription() == b.GetDescription() && a.GetPrice() == b.GetPrice() &&
          a.IsSetWeight() == b.IsSetWeight() && a.GetWeight() == b.GetWeight() &&
          a.IsSetShipBy() == b.IsSetShipBy() && (!a.IsSetShipBy() || a.GetShipBy() == b.GetShipBy()) &&
@@ -126,7 +126,7 @@ int main(int argc, char** argv) {
     CDecimal outstanding;
     for (COrder* order : *orders->GetOrders()) {
       CDecimal total;
-      for (CItem* item : *order->GetItems()) total += item->GetPrice() * CDecimal(item->GetQty());
+      for (CLineItem* item : *order->GetItems()) total += item->GetPrice() * CDecimal(item->GetQty());
       if (!(total == order->GetTotal())) ++mismatched;
       if (!order->GetPaid()) {
         if (unpaid++ < 3)

@@ -198,7 +198,12 @@ class Writer {
          "inline constexpr auto kCollapse = KoXmlLib10::CWhitespaceUtils::WhitespaceRule_Collapse;\n\n";
     h << "// Announces the generator version to the library; every class calls it\n"
          "// before its first object is created.\n";
-    h << Export() << "void AnnounceGeneratorVersion();\n\n" << Close(ns) << "\n#endif\n";
+    h << Export() << "void AnnounceGeneratorVersion();\n\n";
+    h << "// Whether the member object `member` is held by its owner alone. Init empties\n"
+         "// such a member in place rather than building a new one (reading calls Init\n"
+         "// on every object it fills); a member the application also holds is\n"
+         "// replaced, so that it does not change under the application.\n";
+    h << Export() << "bool IsHeldAlone(KoXmlLib10::CXmlObjectBase* member);\n\n" << Close(ns) << "\n#endif\n";
     m_files[ns.fileBase + "Namespace.h"] = h.str();
 
     std::ostringstream s;
@@ -207,7 +212,13 @@ class Writer {
          "// Before main: the version must be known before the first object is built.\n"
          "const bool g_announced" << ns.fileBase << " = (KoXmlLib10::SetGeneratorVersion(10, 1), true);\n"
          "}  // namespace\n\n";
-    s << "void AnnounceGeneratorVersion() { (void)g_announced" << ns.fileBase << "; }\n\n" << Close(ns);
+    s << "void AnnounceGeneratorVersion() { (void)g_announced" << ns.fileBase << "; }\n\n";
+    s << "bool IsHeldAlone(KoXmlLib10::CXmlObjectBase* member) {\n"
+         "  if (!member) return false;\n"
+         "  const int references = member->AddRef();\n"
+         "  member->Release();\n"
+         "  return references == 2;\n"
+         "}\n\n" << Close(ns);
     m_files[ns.fileBase + "Namespace.cpp"] = s.str();
   }
 
@@ -380,6 +391,9 @@ class Writer {
       o << v << " = new CAttributeCol(\"\", " << Quote(m.wildcard) << ", kTargetNamespace);";
     } else if (m.occurrence == Occurrence::Collection) {
       const int max = m.maxOccurs;
+      // Init runs on every object reading fills: a collection only the owner
+      // holds is emptied where it stands instead of being rebuilt.
+      if (m.kind != MemberKind::Untyped) o << "if (IsHeldAlone(" << v << ".get()))\n    " << v << "->Clear();\n  else\n    ";
       if (m.kind == MemberKind::Cls || m.kind == MemberKind::AbsCls) {
         o << v << " = new " << CollectionType(c, m) << "(" << Quote(m.xmlName) << ", " << ns << ", " << m.minOccurs
           << ", " << max << (m.kind == MemberKind::AbsCls ? ", &" + ClassType(c, m) + "::CreateFromElement" : "")
@@ -400,7 +414,13 @@ class Writer {
     } else if (m.kind == MemberKind::Cls || m.kind == MemberKind::AbsCls) {
       // A mandatory member of an abstract type has no object until one is
       // read or set.
-      if (m.occurrence == Occurrence::Mandatory && !m.cls->isAbstract)
+      // A member of a class without derived types that only the owner holds
+      // is emptied in place; any other one is replaced by a new object.
+      if (m.occurrence == Occurrence::Mandatory && !m.cls->isAbstract && m.kind == MemberKind::Cls)
+        o << "if (IsHeldAlone(" << v << ".get())) {\n    " << v << "->SetElementName(" << Quote(m.xmlName) << ");\n    "
+          << v << "->Init();\n  } else {\n    " << v << " = new " << ClassType(c, m) << "(" << Quote(m.xmlName)
+          << ");\n  }";
+      else if (m.occurrence == Occurrence::Mandatory && !m.cls->isAbstract)
         o << v << " = new " << ClassType(c, m) << "(" << Quote(m.xmlName) << ");";
       else
         o << v << " = nullptr;";
