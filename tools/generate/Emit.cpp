@@ -383,8 +383,20 @@ class Writer {
     return "";
   }
 
-  std::string InitOf(const ClassModel& c, const Member& m) const {
+  // The statement that gives member `m` its initial value. With `construct`
+  // it is for the constructor: the member is fresh, so there is nothing to
+  // reuse, and a member whose default construction already is its initial
+  // value gets no statement at all (building and assigning a temporary
+  // decimal or integer costs heap allocations on every object read).
+  std::string InitOf(const ClassModel& c, const Member& m, bool construct = false) const {
     const std::string v = Var(m);
+    if (construct && (m.kind == MemberKind::Prim || m.kind == MemberKind::Enum)) {
+      if (m.occurrence == Occurrence::Optional) return "";
+      if (m.occurrence == Occurrence::Mandatory && m.kind == MemberKind::Prim && !(m.defaultValue && m.fixedValue)) {
+        const TypeInfo& t = Type(m.simple.itemType);
+        if (std::string(t.cxx) == "std::string" || !*t.initial) return "";
+      }
+    }
     const std::string ns = m.xmlNamespace.empty() ? "\"\"" : Quote(m.xmlNamespace);
     std::ostringstream o;
     if (m.kind == MemberKind::AnyAttribute) {
@@ -393,7 +405,7 @@ class Writer {
       const int max = m.maxOccurs;
       // Init runs on every object reading fills: a collection only the owner
       // holds is emptied where it stands instead of being rebuilt.
-      if (m.kind != MemberKind::Untyped) o << "if (IsHeldAlone(" << v << ".get()))\n    " << v << "->Clear();\n  else\n    ";
+      if (!construct && m.kind != MemberKind::Untyped) o << "if (IsHeldAlone(" << v << ".get()))\n    " << v << "->Clear();\n  else\n    ";
       if (m.kind == MemberKind::Cls || m.kind == MemberKind::AbsCls) {
         o << v << " = new " << CollectionType(c, m) << "(" << Quote(m.xmlName) << ", " << ns << ", " << m.minOccurs
           << ", " << max << (m.kind == MemberKind::AbsCls ? ", &" + ClassType(c, m) + "::CreateFromElement" : "")
@@ -416,7 +428,7 @@ class Writer {
       // read or set.
       // A member of a class without derived types that only the owner holds
       // is emptied in place; any other one is replaced by a new object.
-      if (m.occurrence == Occurrence::Mandatory && !m.cls->isAbstract && m.kind == MemberKind::Cls)
+      if (!construct && m.occurrence == Occurrence::Mandatory && !m.cls->isAbstract && m.kind == MemberKind::Cls)
         o << "if (IsHeldAlone(" << v << ".get())) {\n    " << v << "->SetElementName(" << Quote(m.xmlName) << ");\n    "
           << v << "->Init();\n  } else {\n    " << v << " = new " << ClassType(c, m) << "(" << Quote(m.xmlName)
           << ");\n  }";
@@ -800,7 +812,19 @@ class Writer {
     if (c.base) s << " : " << baseClass << "(elementName)";
     s << " {\n  AnnounceGeneratorVersion();\n";
     if (!c.base) s << "  SetElementName(elementName);\n";
-    s << "  InitMembers();\n}\n\n";
+    for (const Member* m : members) {
+      const std::string init = InitOf(c, *m, true);
+      if (!init.empty()) s << "  " << init << "\n";
+    }
+    if (c.simpleContent && !c.base) {
+      Member value;
+      value.kind = c.simpleContent->enumeration ? MemberKind::Enum : MemberKind::Prim;
+      value.simple = *c.simpleContent;
+      value.property = c.valueProperty;
+      const std::string init = InitOf(c, value, true);
+      if (!init.empty()) s << "  " << init << "\n";
+    }
+    s << "}\n\n";
     s << c.cxxName << "::~" << c.cxxName << "() = default;\n\n";
     s << "CSmartPtr<CXmlObjectBase> " << c.cxxName << "::Create(int, const char* elementName) { return new "
       << c.cxxName << "(elementName); }\n\n";
