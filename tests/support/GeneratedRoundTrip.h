@@ -9,8 +9,11 @@
 
 #include <KoXmlLib10.h>
 
+#include "TempFiles.h"
+
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -78,10 +81,12 @@ inline std::string CanonicalTree(const std::string& xml) {
 inline bool ValidAgainstSchema(const std::string& xmllint, const std::string& xml, const std::string& schema,
                                const std::string& name) {
   if (xmllint.empty()) return true;
-  const std::string path = name + "-out.xml";
+  const std::string path = testsupport::TempPath(name + "-out.xml");
   std::ofstream(path, std::ios::binary) << xml;
   const std::string command = xmllint + " --noout --schema '" + schema + "' '" + path + "' 2>/dev/null";
-  return std::system(command.c_str()) == 0;
+  const bool valid = std::system(command.c_str()) == 0;
+  std::remove(path.c_str());
+  return valid;
 }
 
 // Reads `input` into a T (named `elementName` when not empty) and checks
