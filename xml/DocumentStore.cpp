@@ -17,6 +17,11 @@ namespace {
 constexpr size_t kMaxBlockBytes = size_t(256) << 10;
 // A gathering buffer that grew beyond this is given back after use.
 constexpr size_t kKeptBufferBytes = size_t(64) << 10;
+// Attribute lists up to this size come from the document's storage; data
+// elements rarely carry more.
+constexpr size_t kPooledAttributes = 4;
+// What a std::string holds without an allocation of its own.
+const size_t kShortStringCapacity = std::string().capacity();
 
 // First position of a carriage return or a NUL, eight bytes at a time:
 // text chunks are long and rarely hold either.
@@ -36,6 +41,29 @@ size_t FindCrOrNul(const char* p, size_t n) {
 }
 
 }  // namespace
+
+// ---- CXmlAttributeList ---------------------------------------------------------
+
+CXmlAttributeList* CXmlAttributeList::NewOnHeap(size_t capacity) {
+  if (capacity > UINT32_MAX) throw std::bad_alloc();
+  return static_cast<CXmlAttributeList*>(::operator new(Bytes(capacity)));
+}
+
+void CXmlAttributeList::DeleteFromHeap(CXmlAttributeList* list) { ::operator delete(list); }
+
+void CXmlAttributeList::Fill(CXmlAttributeList* list, size_t capacity, CXmlAttributeList* from) {
+  new (list) CXmlAttributeList();
+  list->capacity = static_cast<uint32_t>(capacity);
+  if (!from) return;
+  std::copy(from->Items(), from->Items() + from->count, list->Items());
+  list->count = from->count;
+  list->view = from->view;
+}
+
+void CXmlAttributeList::Append(CXmlAttribute* attribute) {
+  Items()[count++] = attribute;
+  if (view) view->push_back(attribute);  // reserved by the caller
+}
 
 // ---- CSlotPool ---------------------------------------------------------------
 
@@ -145,7 +173,7 @@ CXmlDocumentStore::CXmlDocumentStore(CXmlDocument& document)
     : m_document(document),
       m_elements(sizeof(CXmlElement)),
       m_attributes(sizeof(CXmlAttribute)),
-      m_attributeLists(sizeof(std::vector<CXmlAttribute*>)) {}
+      m_attributeLists(CXmlAttributeList::Bytes(kPooledAttributes)) {}
 
 CXmlDocumentStore::~CXmlDocumentStore() { Clear(); }
 
@@ -174,10 +202,38 @@ CXmlElement* CXmlDocumentStore::NewElement(const CXmlNodeName* name) {
 }
 
 void CXmlDocumentStore::ReserveAttributes(CXmlElement* element, size_t count) {
-  if (!element->m_attributes)
-    element->m_attributes = new (m_attributeLists.Allocate()) std::vector<CXmlAttribute*>();
-  std::vector<CXmlAttribute*>& list = *element->m_attributes;
-  if (list.capacity() < list.size() + count) list.reserve(std::max(list.size() + count, 2 * list.size()));
+  CXmlAttributeList* list = element->m_attributes;
+  const size_t have = list ? list->count : 0;
+  if (list && list->view) list->view->reserve(have + count);
+  if (list && list->capacity >= have + count) return;
+  size_t capacity = std::max(have + count, list ? 2 * size_t(list->capacity) : size_t(0));
+  const bool pooled = capacity <= kPooledAttributes;
+  CXmlAttributeList* grown;
+  if (pooled) {
+    capacity = kPooledAttributes;
+    grown = static_cast<CXmlAttributeList*>(m_attributeLists.Allocate());
+  } else {
+    grown = CXmlAttributeList::NewOnHeap(capacity);
+    NoteHeapParts(element);
+  }
+  CXmlAttributeList::Fill(grown, capacity, list);
+  if (list) FreeList(element);
+  element->m_attributes = grown;
+  if (pooled)
+    element->m_flags |= CXmlElement::kPooledAttributes;
+  else
+    element->m_flags &= ~CXmlElement::kPooledAttributes;
+}
+
+void CXmlDocumentStore::FreeList(CXmlElement* element) {
+  CXmlAttributeList* list = element->m_attributes;
+  list->~CXmlAttributeList();
+  if (element->m_flags & CXmlElement::kPooledAttributes)
+    m_attributeLists.Release(list);
+  else
+    CXmlAttributeList::DeleteFromHeap(list);
+  element->m_attributes = nullptr;
+  element->m_flags &= ~CXmlElement::kPooledAttributes;
 }
 
 CXmlAttribute* CXmlDocumentStore::AddAttribute(CXmlElement* element, const CXmlNodeName* name,
@@ -191,7 +247,8 @@ CXmlAttribute* CXmlDocumentStore::AddAttribute(CXmlElement* element, const CXmlN
     m_attributes.Release(slot);
     throw;
   }
-  element->m_attributes->push_back(attribute);  // cannot throw: reserved
+  element->m_attributes->Append(attribute);  // cannot throw: reserved
+  if (value.size() > kShortStringCapacity) NoteHeapParts(element);
   if (name->isSchemaInstanceType && (element->m_flags & CXmlElement::kOpen)) RecordTypePrefix(element, value);
   return attribute;
 }
@@ -202,16 +259,20 @@ void CXmlDocumentStore::ReleaseElementParts(CXmlElement* element) {
     element->m_text = nullptr;
     element->m_flags &= ~CXmlElement::kTextString;
   }
-  if (std::vector<CXmlAttribute*>* list = element->m_attributes) {
-    for (CXmlAttribute* attribute : *list) {
+  if (CXmlAttributeList* list = element->m_attributes) {
+    for (uint32_t i = 0; i < list->count; ++i) {
+      CXmlAttribute* attribute = list->Items()[i];
       attribute->~CXmlAttribute();
       m_attributes.Release(attribute);
     }
-    list->~vector();
-    m_attributeLists.Release(list);
-    element->m_attributes = nullptr;
+    delete list->view;
+    FreeList(element);
   }
   if (element->m_flags & CXmlElement::kTypeNamespace) m_typeNamespaces.erase(element);
+  if (element->m_flags & CXmlElement::kHeapParts) {
+    element->m_flags &= ~CXmlElement::kHeapParts;
+    --m_heapPartElements;
+  }
 }
 
 void CXmlDocumentStore::DestroySubtree(CXmlElement* root) {
@@ -233,7 +294,9 @@ void CXmlDocumentStore::DestroySubtree(CXmlElement* root) {
 }
 
 void CXmlDocumentStore::Clear() {
-  if (m_document.m_documentElement) DestroySubtree(m_document.m_documentElement);
+  // Everything else goes with the storage blocks.
+  if (m_document.m_documentElement && m_heapPartElements > 0) DestroySubtree(m_document.m_documentElement);
+  m_heapPartElements = 0;
   m_document.m_documentElement = nullptr;
   m_elements.FreeAll();
   m_attributes.FreeAll();
@@ -285,6 +348,7 @@ void CXmlDocumentStore::Commit(CXmlElement* element, std::string& text) {
     // dropping them gives the memory back.
     element->m_text = reinterpret_cast<const char*>(new std::string(text));
     element->m_flags |= CXmlElement::kTextString;
+    NoteHeapParts(element);
   } else {
     element->m_text = m_texts.Copy(text);
     element->m_textLength = static_cast<uint32_t>(text.size());

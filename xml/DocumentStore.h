@@ -15,6 +15,25 @@
 
 namespace KoXmlLib10 {
 
+// An element's attributes: a count and the pointers right behind this
+// header, in one allocation. The vector GetAttributes hands out is made only
+// when asked for and kept in step from then on.
+struct CXmlAttributeList {
+  uint32_t count = 0;
+  uint32_t capacity = 0;
+  std::vector<CXmlAttribute*>* view = nullptr;
+
+  CXmlAttribute** Items() { return reinterpret_cast<CXmlAttribute**>(this + 1); }
+  static size_t Bytes(size_t capacity) { return sizeof(CXmlAttributeList) + capacity * sizeof(CXmlAttribute*); }
+  // Lists on the ordinary heap, for elements outside a document's storage
+  // and for the rare element with many attributes.
+  static CXmlAttributeList* NewOnHeap(size_t capacity);
+  static void DeleteFromHeap(CXmlAttributeList* list);
+  // A list with room for `capacity` holding what `from` holds (if given).
+  static void Fill(CXmlAttributeList* list, size_t capacity, CXmlAttributeList* from);
+  void Append(CXmlAttribute* attribute);  // needs room
+};
+
 // Slots of one size carved from blocks that grow with use; released slots
 // are reused, and everything goes at once with the pool.
 class CSlotPool {
@@ -89,6 +108,14 @@ class CXmlDocumentStore {
   void DestroySubtree(CXmlElement* root);
   // Frees everything: the tree, the load state, the names.
   void Clear();
+  // Notes that a stored element holds a part (a text string, a long
+  // attribute value, a vector of attributes) that must be freed on its own.
+  // While no element does, freeing the document skips walking the tree.
+  void NoteHeapParts(CXmlElement* element) {
+    if (element->m_flags & CXmlElement::kHeapParts) return;
+    element->m_flags |= CXmlElement::kHeapParts;
+    ++m_heapPartElements;
+  }
 
   // ---- building ----
   CXmlElement* Start(const CXmlNodeName* name);
@@ -128,12 +155,14 @@ class CXmlDocumentStore {
     uint32_t declarations;  // namespace declarations it brought into scope
   };
   void ReleaseElementParts(CXmlElement* element);
+  void FreeList(CXmlElement* element);
   void Commit(CXmlElement* element, std::string& text);
 
   CXmlDocument& m_document;
   CSlotPool m_elements;
   CSlotPool m_attributes;
-  CSlotPool m_attributeLists;
+  CSlotPool m_attributeLists;  // lists of up to kPooledAttributes
+  size_t m_heapPartElements = 0;
   CByteArena m_texts;
   CStringMap m_nameIndex;
   std::vector<std::unique_ptr<CXmlNodeName>> m_names;

@@ -121,8 +121,9 @@ void CXmlElement::ReleaseParts() {
   m_text = nullptr;
   m_flags &= ~kTextString;
   if (m_attributes) {
-    for (CXmlAttribute* attribute : *m_attributes) delete attribute;
-    delete m_attributes;
+    for (uint32_t i = 0; i < m_attributes->count; ++i) delete m_attributes->Items()[i];
+    delete m_attributes->view;
+    CXmlAttributeList::DeleteFromHeap(m_attributes);
     m_attributes = nullptr;
   }
   if (m_flags & kOwnsName) delete m_name;
@@ -138,6 +139,7 @@ std::string& CXmlElement::TextString() const {
     m_text = reinterpret_cast<const char*>(text.release());
     m_textLength = 0;
     m_flags |= kTextString;
+    if (m_flags & kInStore) Store()->NoteHeapParts(const_cast<CXmlElement*>(this));
   }
   return *reinterpret_cast<std::string*>(const_cast<char*>(m_text));
 }
@@ -153,14 +155,27 @@ std::string_view CXmlElement::GetTextView() const {
 }
 
 const std::vector<CXmlAttribute*>& CXmlElement::GetAttributes() const {
-  return m_attributes ? *m_attributes : NoAttributes();
+  CXmlAttributeList* list = m_attributes;
+  if (!list) return NoAttributes();
+  if (!list->view) {
+    list->view = new std::vector<CXmlAttribute*>(list->Items(), list->Items() + list->count);
+    if (m_flags & kInStore) Store()->NoteHeapParts(const_cast<CXmlElement*>(this));
+  }
+  return *list->view;
+}
+
+size_t CXmlElement::GetAttributeCount() const { return m_attributes ? m_attributes->count : 0; }
+
+CXmlAttribute* CXmlElement::GetAttributeAt(size_t index) const {
+  return index < GetAttributeCount() ? m_attributes->Items()[index] : nullptr;
 }
 
 const std::string& CXmlElement::GetAttribute(const std::string& localName, const std::string& namespaceUri) const {
-  if (m_attributes)
-    for (const CXmlAttribute* attribute : *m_attributes)
-      if (attribute->GetLocalName() == localName && attribute->GetNamespaceURI() == namespaceUri)
-        return attribute->GetValue();
+  for (size_t i = 0, n = GetAttributeCount(); i < n; ++i) {
+    const CXmlAttribute* attribute = m_attributes->Items()[i];
+    if (attribute->GetLocalName() == localName && attribute->GetNamespaceURI() == namespaceUri)
+      return attribute->GetValue();
+  }
   return EmptyString();
 }
 
@@ -235,8 +250,10 @@ CXmlElement* CXmlElement::CopyToHeap() const {
     name.localName = from.GetLocalName();
     if (from.GetTypePrefixNamespace(name.typeNamespace)) to.m_flags |= kTypeNamespace;
     to.Append(from.GetTextView());
-    for (const CXmlAttribute* attribute : from.GetAttributes())
+    for (size_t i = 0, n = from.GetAttributeCount(); i < n; ++i) {
+      const CXmlAttribute* attribute = from.GetAttributeAt(i);
       to.AddAttribute(attribute->GetLocalName(), attribute->GetValue(), attribute->GetNamespaceURI());
+    }
   };
   auto root = std::make_unique<CXmlElement>(m_name->owner);
   copyNode(*this, *root);
@@ -292,10 +309,17 @@ CXmlAttribute* CXmlElement::AddAttribute(const std::string& localName, const std
     CXmlDocumentStore* store = Store();
     return store->AddAttribute(this, store->Name(namespaceUri, localName), value);
   }
-  if (!m_attributes) m_attributes = new std::vector<CXmlAttribute*>();
-  m_attributes->reserve(m_attributes->size() + 1);
-  m_attributes->push_back(new CXmlAttribute(localName, value, namespaceUri));
-  return m_attributes->back();
+  const size_t count = GetAttributeCount();
+  if (!m_attributes || m_attributes->capacity == count) {
+    CXmlAttributeList* grown = CXmlAttributeList::NewOnHeap(std::max<size_t>(4, 2 * count));
+    CXmlAttributeList::Fill(grown, std::max<size_t>(4, 2 * count), m_attributes);
+    if (m_attributes) CXmlAttributeList::DeleteFromHeap(m_attributes);
+    m_attributes = grown;
+  }
+  if (m_attributes->view) m_attributes->view->reserve(count + 1);
+  auto attribute = std::make_unique<CXmlAttribute>(localName, value, namespaceUri);
+  m_attributes->Append(attribute.get());
+  return attribute.release();
 }
 
 // ---- CXmlDocument ----------------------------------------------------------

@@ -17,6 +17,7 @@ class CXmlDocument;
 class CExpatReader;
 class CFastInfosetReader;
 class CXmlDocumentStore;
+struct CXmlAttributeList;
 
 // Storage of a node's name. A loaded document keeps one per distinct name
 // and its nodes point at it; a node built on its own owns its copy. Internal
@@ -85,7 +86,14 @@ class KOXML_API CXmlElement {
   const std::string& GetText() const;
   // The same characters, valid until the text changes or the element goes.
   std::string_view GetTextView() const;
+  // The attributes in document order. The vector is made on the first call
+  // (loaded elements keep their attributes packed), so, as with GetText, a
+  // document must not be read from several threads at once.
   const std::vector<CXmlAttribute*>& GetAttributes() const;
+  // The same attributes without the vector (beyond the interface the
+  // binding contract needs; what the engine uses on every element).
+  size_t GetAttributeCount() const;
+  CXmlAttribute* GetAttributeAt(size_t index) const;
   // Value of the first attribute with exactly this name and namespace, or
   // an empty string.
   const std::string& GetAttribute(const std::string& localName, const std::string& namespaceUri) const;
@@ -121,6 +129,8 @@ class KOXML_API CXmlElement {
     kTextPending = 1u << 3,    // open in a load: its text is still being gathered
     kTypeNamespace = 1u << 4,  // xsi:type prefix resolved in scope (see the document)
     kOpen = 1u << 5,           // started and not yet ended in a load
+    kPooledAttributes = 1u << 6,  // m_attributes lives in the document's storage
+    kHeapParts = 1u << 7,         // holds something its document must free one by one
   };
   struct InStoreTag {};
   CXmlElement(const CXmlNodeName* sharedName, InStoreTag);
@@ -141,7 +151,7 @@ class KOXML_API CXmlElement {
   // Previous sibling; the first child's is the last child, so that both
   // appending and removing the last child take constant time.
   CXmlElement* m_prevSibling = nullptr;
-  std::vector<CXmlAttribute*>* m_attributes = nullptr;
+  CXmlAttributeList* m_attributes = nullptr;
   mutable const char* m_text = nullptr;  // packed bytes, or a std::string* with kTextString
   mutable uint32_t m_textLength = 0;
   mutable uint32_t m_flags = 0;

@@ -358,3 +358,46 @@ TEST(XmlDocument, TypePrefixWithoutNamespaceProcessing) {
   std::string uri;
   EXPECT_FALSE(doc.GetDocumentElement()->GetTypePrefixNamespace(uri));  // no xsi:type in the namespace sense
 }
+
+TEST(XmlDocument, AttributeListsOfEverySizeStayInStepWithTheirVector) {
+  const std::string longValue(40, 'v');  // beyond a string's own small buffer
+  std::string tag = "<r";
+  for (int i = 0; i < 9; ++i) tag += " a" + std::to_string(i) + "=\"" + (i == 4 ? longValue : std::to_string(i)) + "\"";
+  const std::string xml = tag + "><c one=\"1\"/><c/></r>";
+  for (bool filtered : {false, true}) {
+    CXmlDocument doc;
+    // A filter keeps what it is shown here, but makes the document free
+    // every part of a dropped element on its own.
+    if (filtered) doc.SetElementFilter([](CXmlElement*) { return false; });
+    ASSERT_TRUE(LoadText(doc, xml));
+    CXmlElement* root = doc.GetDocumentElement();
+    ASSERT_EQ(root->GetAttributeCount(), 9u);
+    EXPECT_EQ(root->GetAttributeAt(4)->GetValue(), longValue);
+    EXPECT_EQ(root->GetAttributeAt(9), nullptr);
+    EXPECT_EQ(root->GetAttribute("a8", ""), "8");
+
+    const std::vector<CXmlAttribute*>& all = root->GetAttributes();
+    ASSERT_EQ(all.size(), 9u);
+    for (size_t i = 0; i < all.size(); ++i) EXPECT_EQ(all[i], root->GetAttributeAt(i));
+    // Attributes added after loading join both, and the vector handed out
+    // before is the one that grows.
+    for (int i = 0; i < 5; ++i) root->AddAttribute("late" + std::to_string(i), longValue, "urn:x");
+    EXPECT_EQ(&all, &root->GetAttributes());
+    ASSERT_EQ(all.size(), 14u);
+    EXPECT_EQ(all[13], root->GetAttributeAt(13));
+    EXPECT_EQ(root->GetAttribute("late4", "urn:x"), longValue);
+
+    CXmlElement* child = root->GetFirstElement();
+    EXPECT_EQ(child->GetAttributeCount(), 1u);
+    EXPECT_EQ(child->GetNextSiblingElement()->GetAttributeCount(), 0u);
+    EXPECT_TRUE(child->GetNextSiblingElement()->GetAttributes().empty());
+  }
+
+  // Elements built on the heap keep the same promises.
+  CXmlElement heap(nullptr);
+  for (int i = 0; i < 20; ++i) heap.AddAttribute("h" + std::to_string(i), longValue, "");
+  const std::vector<CXmlAttribute*>& list = heap.GetAttributes();
+  heap.AddAttribute("last", "1", "");
+  ASSERT_EQ(list.size(), 21u);
+  EXPECT_EQ(heap.GetAttributeAt(20)->GetLocalName(), "last");
+}
