@@ -382,7 +382,7 @@ void CXmlDocumentStore::End(bool applyFilter) {
 void CXmlDocumentStore::AppendText(CXmlElement* element, std::string_view text) {
   if (!element) return;
   const bool gathering = (element->m_flags & CXmlElement::kTextPending) && element == Top();
-  std::string* pending = gathering ? &m_pending[m_open.size() - 1] : nullptr;
+  std::string* pending = gathering ? &Gathered(m_open.size() - 1) : nullptr;
   while (!text.empty()) {
     const size_t stop = FindCrOrNul(text.data(), text.size());
     if (pending)
@@ -394,9 +394,21 @@ void CXmlDocumentStore::AppendText(CXmlElement* element, std::string_view text) 
   }
 }
 
+std::string& CXmlDocumentStore::Gathered(size_t index) {
+  std::string& pending = m_pending[index];
+  CXmlElement* element = m_open[index].element;
+  // While an element gathers, its text is either in the storage or here.
+  if (element->m_textLength > 0) {
+    pending.assign(element->m_text, element->m_textLength);
+    element->m_text = nullptr;
+    element->m_textLength = 0;
+  }
+  return pending;
+}
+
 bool CXmlDocumentStore::AppendIfGathering(const CXmlElement* element, std::string_view text) {
   if (!(element->m_flags & CXmlElement::kTextPending) || element != Top()) return false;
-  m_pending[m_open.size() - 1].append(text.data(), text.size());
+  Gathered(m_open.size() - 1).append(text.data(), text.size());
   return true;
 }
 

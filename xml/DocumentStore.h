@@ -131,10 +131,19 @@ class CXmlDocumentStore {
   // tells that the text holds no carriage return and no NUL.
   void AppendToTop(std::string_view text, bool plain) {
     const size_t depth = m_open.size();
-    if (plain && depth > 0 && (m_open.back().element->m_flags & CXmlElement::kTextPending))
-      m_pending[depth - 1].append(text.data(), text.size());
-    else
+    if (!plain || depth == 0 || !(m_open.back().element->m_flags & CXmlElement::kTextPending)) {
       AppendText(Top(), text);
+      return;
+    }
+    // Most elements get their text in one piece: it goes straight to the
+    // storage, unless a filter may drop the element and free it.
+    CXmlElement* top = m_open.back().element;
+    if (top->m_textLength == 0 && !m_document.m_filter && m_pending[depth - 1].empty() && text.size() <= UINT32_MAX) {
+      top->m_text = m_texts.Copy(text);
+      top->m_textLength = static_cast<uint32_t>(text.size());
+      return;
+    }
+    Gathered(depth - 1).append(text.data(), text.size());
   }
   // Appends to the text being gathered for the innermost open element;
   // false when `element` is not that element.
@@ -154,6 +163,9 @@ class CXmlDocumentStore {
     CXmlElement* element;
     uint32_t declarations;  // namespace declarations it brought into scope
   };
+  // The text gathered for the open element at `index`: a first piece that
+  // went straight to the storage moves here when more follows.
+  std::string& Gathered(size_t index);
   void ReleaseElementParts(CXmlElement* element);
   void FreeList(CXmlElement* element);
   void Commit(CXmlElement* element, std::string& text);
