@@ -2,8 +2,10 @@
 
 #include <strings.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include "KoXmlLib10/ElementInfoChoice.h"
@@ -268,6 +270,53 @@ bool CXmlGeneratedClass::ProcessElementChoiceToXml(const CXmlSerializationContex
 
 // ---- reading -----------------------------------------------------------------
 
+const char* CXmlGeneratedClass::GetNamespaceText() const { return nullptr; }
+
+namespace {
+
+// The owner's namespace as the records take it: the class's constant text
+// when it has one, otherwise the string GetNamespace() builds, kept for the
+// group being read.
+class COwnerNamespace {
+ public:
+  explicit COwnerNamespace(const CXmlGeneratedClass& owner) : m_text(owner.GetNamespaceText()) {
+    if (!m_text) {
+      m_built = owner.GetNamespace();
+      m_text = m_built.c_str();
+    }
+  }
+  COwnerNamespace(const COwnerNamespace&) = delete;
+  COwnerNamespace& operator=(const COwnerNamespace&) = delete;
+  const char* c_str() const { return m_text; }
+
+ private:
+  std::string m_built;
+  const char* m_text;
+};
+
+// dynamic_cast<INillable*> walks the class hierarchy for every object read;
+// the answer depends only on the object's dynamic type, so each thread keeps
+// the last type's answer as an offset from the object.
+INillable* AsNillable(CXmlGeneratedClass* object) {
+  struct CachedAnswer {
+    const std::type_info* type = nullptr;
+    bool nillable = false;
+    std::ptrdiff_t offset = 0;
+  };
+  thread_local CachedAnswer cached;
+  const std::type_info* type = &typeid(*object);
+  char* const base = reinterpret_cast<char*>(object);
+  if (cached.type != type) {
+    INillable* nillable = dynamic_cast<INillable*>(object);
+    cached.nillable = nillable != nullptr;
+    cached.offset = nillable ? reinterpret_cast<char*>(nillable) - base : 0;
+    cached.type = type;
+  }
+  return cached.nillable ? reinterpret_cast<INillable*>(base + cached.offset) : nullptr;
+}
+
+}  // namespace
+
 CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,
                                              const CXmlSerializationContext& ctx, bool choiceMayBeEmpty) {
   if (!element) throw CKoInvalidParamException(msg::kNullElement);
@@ -280,7 +329,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
     // attributes from there.
     ProcessAttributesFromXml(ctx, element, info->rejectUnknownAttributes);
 
-    INillable* nillable = dynamic_cast<INillable*>(this);
+    INillable* nillable = AsNillable(this);
     if (nillable && nillable->IsNil()) return cursor;
 
     switch (info->groupType) {
@@ -362,7 +411,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CXmlSerializatio
                                                           XmlElementType ownerElementType) {
   CElementInfo** records = GetClassElementInfo();
   const int count = CountRecords(records);
-  const std::string ownerNamespace = GetNamespace();
+  const COwnerNamespace ownerNamespace(*this);
   CXmlElement* const entry = cursor;
   // The last record that consumed an element. After an unknown element is
   // skipped reading resumes there, so that a repeated member also collects
@@ -398,7 +447,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CXmlSerializa
                                                              bool choiceMayBeEmpty) {
   CElementInfo** records = GetClassElementInfo();
   const int count = CountRecords(records);
-  const std::string ownerNamespace = GetNamespace();
+  const COwnerNamespace ownerNamespace(*this);
   CXmlElement* const entry = cursor;
 
   // Only one alternative is read: the first that takes the element.
@@ -437,7 +486,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CXmlSerializatio
                                                           XmlElementType ownerElementType) {
   CElementInfo** records = GetClassElementInfo();
   const int count = CountRecords(records);
-  const std::string ownerNamespace = GetNamespace();
+  const COwnerNamespace ownerNamespace(*this);
   CXmlElement* const entry = cursor;
   std::vector<bool> found(count, false);
 

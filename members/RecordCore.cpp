@@ -159,10 +159,36 @@ CXmlElement* ReadPseudoContent(const ReadArgs& a, CXmlObjectBase* object) {
   return CElementInfo::FromXml_Int(object, a.parent, *a.cursor, a.ctx, false);
 }
 
+// The object (or collection) in a record's property while a member is read.
+// It keeps the reference the variant's getter hands out instead of taking a
+// further one: every AddRef/Release pair takes the object's lock.
+class CHeldObject {
+ public:
+  explicit CHeldObject(CXmlObjectBase* adopted) : m_object(adopted) {}
+  ~CHeldObject() {
+    if (m_object) m_object->Release();
+  }
+  CHeldObject(CHeldObject&& other) noexcept : m_object(other.m_object) { other.m_object = nullptr; }
+  CHeldObject(const CHeldObject&) = delete;
+  CHeldObject& operator=(const CHeldObject&) = delete;
+  CHeldObject& operator=(CHeldObject&&) = delete;
+  CXmlObjectBase* get() const { return m_object; }
+  explicit operator bool() const { return m_object != nullptr; }
+
+ private:
+  CXmlObjectBase* m_object;
+};
+
+CHeldObject HeldPropertyObject(const CElementInfo& record, const CXmlGeneratedClass* owner) {
+  KoVariant value;
+  record.ReadProperty(owner, value);
+  return CHeldObject(value.GetXmlObject());  // a reference we must give back
+}
+
 // The object a mandatory member always holds; its absence is a fault of the
 // generated code, reported instead of dereferenced.
-ObjectPtr MemberObject(const CElementInfo& record, const CXmlGeneratedClass* owner) {
-  ObjectPtr object = PropertyObject(record, owner);
+CHeldObject MemberObject(const CElementInfo& record, const CXmlGeneratedClass* owner) {
+  CHeldObject object = HeldPropertyObject(record, owner);
   if (!object) throw CKoException(FormatString(msg::kNoObject, record.elementName.c_str()));
   return object;
 }
@@ -262,7 +288,7 @@ bool ReadUntpdMandatory(const CElementInfo& record, const ReadArgs& a, Group gro
     if (group == Group::All) return false;
     ThrowRequired(record);
   }
-  ObjectPtr element = PropertyObject(record, a.owner);
+  const CHeldObject element = HeldPropertyObject(record, a.owner);
   if (!dynamic_cast<CElement*>(element.get()))
     throw CKoException(FormatString(msg::kNotAnElement, record.elementName.c_str()));
   CXmlElement* next = ReadUntyped(record, a, element.get());
@@ -370,7 +396,7 @@ bool ReadAllAbsCls(const CElementInfo& record, const ReadArgs& args, const char*
 
 bool ReadCollection(const CElementInfo& record, const ReadArgs& a, Group group, Items items) {
   CXmlElement*& cursor = *a.cursor;
-  ObjectPtr held = PropertyObject(record, a.owner);
+  const CHeldObject held = HeldPropertyObject(record, a.owner);
   CXmlCollectionBase* collection = AsCollection(record, held.get());
 
   CXmlElement* next;
@@ -442,7 +468,7 @@ bool ValidateAllMember(const CElementInfo& record, bool found, bool ownerHasElem
 bool ValidateAllCollection(const CElementInfo& record, const CXmlSerializationContext& ctx,
                            const CXmlGeneratedClass* owner, bool ownerHasElement) {
   if (ownerHasElement) return true;
-  ObjectPtr held = PropertyObject(record, owner);
+  const CHeldObject held = HeldPropertyObject(record, owner);
   return AsCollection(record, held.get())->IsValidCount(ctx);
 }
 

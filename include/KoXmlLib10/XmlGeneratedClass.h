@@ -39,6 +39,13 @@ class KOXML_API CXmlGeneratedClass : public CXmlObjectBase {
   virtual CAttributeInfo** GetClassAttributeInfo() = 0;
   // Resets every property to its initial state; called first by every read.
   virtual void Init() = 0;
+  // Beyond the generated-code contract above, added by this library: the
+  // text GetNamespace() returns when it is a constant that outlives the
+  // object, or null (the default) to have GetNamespace() called. Reading
+  // hands the owner's namespace to the records of every group it reads; a
+  // constant spares building a string for each object. A class that
+  // overrides GetNamespace() of a class that overrides this overrides both.
+  virtual const char* GetNamespaceText() const;
 
   // Held by generated code while it creates a class's records.
   static CKOCriticalSection m_csInit;

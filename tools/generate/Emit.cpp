@@ -718,6 +718,7 @@ class Writer {
     h << "  KoXmlLib10::CXmlObjectBase* GetBase() override { return this; }\n";
     h << "  std::string GetTargetNamespace() const override;\n";
     h << "  std::string GetNamespace() const override;\n";
+    h << "  const char* GetNamespaceText() const override;\n";
     h << "  void AccessProperty(int propertyId, bool get, KoXmlLib10::KoVariant& value) override;\n";
     h << "  KoXmlLib10::CParentElementInfo* GetClassInfo() override;\n";
     h << "  KoXmlLib10::CElementInfo** GetClassElementInfo() override;\n";
@@ -833,6 +834,7 @@ class Writer {
     if (c.elementFactory) ElementFactory(s, c);
     s << "std::string " << c.cxxName << "::GetTargetNamespace() const { return " << Quote(c.elementNamespace) << "; }\n";
     s << "std::string " << c.cxxName << "::GetNamespace() const { return kTargetNamespace; }\n";
+    s << "const char* " << c.cxxName << "::GetNamespaceText() const { return kTargetNamespace; }\n";
     s << "CParentElementInfo* " << c.cxxName << "::GetClassInfo() { return g_" << c.fileBase << "Records.Info(); }\n";
     s << "CElementInfo** " << c.cxxName << "::GetClassElementInfo() { return g_" << c.fileBase << "Records.Elements(); }\n";
     s << "CAttributeInfo** " << c.cxxName << "::GetClassAttributeInfo() { return g_" << c.fileBase << "Records.Attributes(); }\n\n";
