@@ -488,7 +488,12 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CXmlSerializatio
   const int count = CountRecords(records);
   const COwnerNamespace ownerNamespace(*this);
   CXmlElement* const entry = cursor;
-  std::vector<bool> found(count, false);
+  // An all group has few members: their flags live on the stack.
+  constexpr int kFlagsOnStack = 32;
+  bool flagsOnStack[kFlagsOnStack] = {};
+  std::unique_ptr<bool[]> flagsOnHeap;
+  if (count > kFlagsOnStack) flagsOnHeap.reset(new bool[count]());
+  bool* const found = flagsOnHeap ? flagsOnHeap.get() : flagsOnStack;
 
   // Members come in any order: keep offering the remaining children to the
   // members not yet found until a whole pass consumes nothing.

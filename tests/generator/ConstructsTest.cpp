@@ -84,6 +84,20 @@ TEST(GeneratedConstructs, DerivedTypesAndSubstitutionGroupsGiveTheirClasses) {
   EXPECT_THROW(bad->FromXml(untyped.c_str(), Ctx()), CKoValidationException);
 }
 
+// Reading takes a generated class's namespace from its constant text; it is
+// the same namespace GetNamespace() gives, for base and derived classes alike.
+TEST(GeneratedConstructs, NamespaceTextIsTheNamespace) {
+  CSmartPtr<derive::CDrawing> doc(new derive::CDrawing);
+  doc->FromXml(Instance("derive").c_str(), Ctx());
+  const CXmlGeneratedClass* classes[] = {doc.get(), dynamic_cast<derive::CCircle*>(doc->GetMain()),
+                                         dynamic_cast<derive::CSquare*>(doc->GetShapes()->Item(1))};
+  for (const CXmlGeneratedClass* object : classes) {
+    ASSERT_NE(object, nullptr);
+    ASSERT_NE(object->GetNamespaceText(), nullptr);
+    EXPECT_EQ(object->GetNamespaceText(), object->GetNamespace());
+  }
+}
+
 // An object built in code writes xsi:type for the derived class.
 TEST(GeneratedConstructs, DerivedObjectsSetInCodeWriteTheirType) {
   CSmartPtr<derive::CDrawing> doc(new derive::CDrawing);

@@ -1,0 +1,110 @@
+// What the reading engine takes from an object besides its records: the
+// owner's namespace (through GetNamespaceText when the class has a constant
+// one), whether it is nillable, and the references it holds on member objects
+// while filling them.
+#include <gtest/gtest.h>
+
+#include "support/TestModel.h"
+
+using namespace testmodel;
+
+namespace {
+
+const CXmlSerializationContext& Default() { return CXmlSerializationContext::m_defaultContext; }
+
+const std::string kDecl = "xmlns=\"urn:test\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"";
+const std::string kPersonXml = "<person " + kDecl +
+                               " id=\"7\"><name>Ann</name><age>41</age><address><street>Main</street></address>"
+                               "<tag>a</tag><tag>b</tag></person>";
+
+// Counts how often the reading engine asks for the namespace as a string.
+class CCountingPerson : public CPerson {
+ public:
+  std::string GetNamespace() const override {
+    ++namespaceCalls;
+    return CPerson::GetNamespace();
+  }
+  mutable int namespaceCalls = 0;
+};
+
+class CConstantNamespacePerson : public CCountingPerson {
+ public:
+  const char* GetNamespaceText() const override { return kNs; }
+};
+
+// Reads `xml` into `object`, reporting a failure with its full message.
+void Read(CXmlObjectBase& object, const std::string& xml) {
+  try {
+    object.FromXml(xml.c_str(), Default());
+  } catch (const CKoException& e) {
+    ADD_FAILURE() << e.GetFullMessage();
+  }
+}
+
+void ExpectPersonRead(const CPerson& person) {
+  EXPECT_EQ(person.id, 7);
+  EXPECT_EQ(person.name, "Ann");
+  EXPECT_EQ(person.age, 41);
+  ASSERT_TRUE(person.address);
+  EXPECT_EQ(person.address->street, "Main");
+  EXPECT_EQ(person.Tags(), "a,b");
+}
+
+// The references an object holds: one more than the count before AddRef.
+int References(CXmlObjectBase* object) {
+  const int count = object->AddRef();
+  object->Release();
+  return count - 1;
+}
+
+TEST(ReadPath, WithoutNamespaceTextTheNamespaceStringIsAskedFor) {
+  CSmartPtr<CCountingPerson> person(new CCountingPerson);
+  EXPECT_EQ(person->GetNamespaceText(), nullptr);  // the base class has no constant
+  Read(*person, kPersonXml);
+  ExpectPersonRead(*person);
+  EXPECT_GT(person->namespaceCalls, 0);
+}
+
+TEST(ReadPath, AConstantNamespaceTextSparesTheStringAndReadsTheSame) {
+  CSmartPtr<CConstantNamespacePerson> person(new CConstantNamespacePerson);
+  Read(*person, kPersonXml);
+  ExpectPersonRead(*person);
+  EXPECT_EQ(person->namespaceCalls, 0);
+}
+
+TEST(ReadPath, NillableAndOtherClassesReadInTurnKeepTheirOwnAnswer) {
+  // CAddress is nillable through its second base; CPerson is not. Reading
+  // them in turn on one thread must not carry one class's answer to the other.
+  for (int round = 0; round < 3; ++round) {
+    SCOPED_TRACE(round);
+    CSmartPtr<CAddress> nil(new CAddress);
+    Read(*nil, "<address " + kDecl + " xsi:nil=\"true\"><street>s</street></address>");
+    EXPECT_TRUE(nil->IsNil());
+    EXPECT_FALSE(nil->street);
+
+    CSmartPtr<CPerson> person(new CPerson);
+    Read(*person, kPersonXml);
+    ExpectPersonRead(*person);
+    EXPECT_FALSE(person->address->IsNil());
+
+    CSmartPtr<CAddress> plain(new CAddress);
+    Read(*plain, "<address " + kDecl + "><street>t</street></address>");
+    EXPECT_FALSE(plain->IsNil());
+    EXPECT_EQ(plain->street, "t");
+  }
+}
+
+TEST(ReadPath, MemberObjectsAreLeftWithTheOwnersReferenceAlone) {
+  CSmartPtr<CPerson> person(new CPerson);
+  Read(*person, kPersonXml);
+  EXPECT_EQ(References(person->tags.get()), 1);     // a collection filled in place
+  EXPECT_EQ(References(person->address.get()), 1);  // an object made by the factory
+
+  CSmartPtr<CTeam> team(new CTeam);
+  Read(*team, "<team " + kDecl + " rev=\"3\"><comment>c</comment></team>");
+  ASSERT_TRUE(team->meta);
+  EXPECT_EQ(team->meta->rev, 3);
+  EXPECT_EQ(References(team->meta.get()), 1);  // a mandatory member filled in place
+}
+
+}  // namespace
