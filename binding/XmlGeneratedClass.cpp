@@ -272,6 +272,10 @@ bool CXmlGeneratedClass::ProcessElementChoiceToXml(const CXmlSerializationContex
 
 const char* CXmlGeneratedClass::GetNamespaceText() const { return nullptr; }
 
+bool CXmlGeneratedClass::StorePropertyText(int, ItemType, const std::string&, CWhitespaceUtils::WhitespaceRule) {
+  return false;
+}
+
 namespace {
 
 // The owner's namespace as the records take it: the class's constant text
@@ -349,11 +353,15 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
       KoVariant value;
       if (info->valueAsText) {
         value.SetString(std::string(element->GetTextView()));
+        AccessProperty(info->valuePropertyId, false, value);
       } else {
         const readtext::ScopedText text(*element);
-        value.FromString(text.Get(), info->valueType, CWhitespaceUtils::WhitespaceRule_None);
+        if (!StorePropertyText(info->valuePropertyId, info->valueType, text.Get(),
+                               CWhitespaceUtils::WhitespaceRule_None)) {
+          value.FromString(text.Get(), info->valueType, CWhitespaceUtils::WhitespaceRule_None);
+          AccessProperty(info->valuePropertyId, false, value);
+        }
       }
-      AccessProperty(info->valuePropertyId, false, value);
     }
     return cursor;
   } catch (const CKoException& failure) {

@@ -109,6 +109,14 @@ void Parse(const CElementInfo&, const std::string& text, KoVariant& value, const
   value.SetI4(codec.textToEnum(text.c_str()));
 }
 
+// Generated classes store a primitive value parsed straight from the text,
+// without a KoVariant in between; false leaves it to the variant.
+bool StoreText(const CElementInfo& record, CXmlGeneratedClass* owner, const std::string& text, const PrimCodec&) {
+  return owner->StorePropertyText(record.propertyId, record.itemType, text, record.whitespaceRule);
+}
+
+bool StoreText(const CElementInfo&, CXmlGeneratedClass*, const std::string&, const EnumCodec&) { return false; }
+
 // Reads the matched element `element`: nil, or its text parsed by the codec
 // (facets are not checked on reading), then stores and moves on.
 template <class Codec>
@@ -123,6 +131,10 @@ void ReadValueElement(const CElementInfo& record, const ReadArgs& a, CXmlElement
     value.SetNil();
   } else {
     const KoXmlLib10::readtext::ScopedText text(*element);
+    if (StoreText(record, a.owner, text.Get(), codec)) {
+      *a.cursor = element->GetNextSiblingElement();
+      return;
+    }
     Parse(record, text.Get(), value, codec);
   }
   record.AccessProperty(a.owner, false, value);
@@ -530,6 +542,9 @@ bool ReadAttribute(const CAttributeInfo& record, const CXmlSerializationContext&
                    CXmlAttribute* attribute, const PrimAttributeCodec& codec) {
   if (attribute->GetLocalName() != record.attributeName || attribute->GetNamespaceURI() != record.attributeNamespace)
     return false;
+  if (owner->StorePropertyText(record.propertyId, codec.record.itemType, attribute->GetValue(),
+                               codec.record.whitespaceRule))
+    return true;
   KoVariant value;
   value.FromString(attribute->GetValue(), codec.record.itemType, codec.record.whitespaceRule);
   record.AccessProperty(owner, false, value);

@@ -46,6 +46,15 @@ class KOXML_API CXmlGeneratedClass : public CXmlObjectBase {
   // constant spares building a string for each object. A class that
   // overrides GetNamespace() of a class that overrides this overrides both.
   virtual const char* GetNamespaceText() const;
+  // Also an addition beyond the contract: stores the value of `text`,
+  // converted as KoVariant::FromString(text, itemType, rule) converts it, into
+  // the simple-typed property `propertyId`, exactly as AccessProperty(
+  // propertyId, false, value) would store that variant. Returns false, having
+  // changed nothing, when the class offers no such shortcut for the property
+  // and item type (the default); reading then goes through a KoVariant.
+  // Conversion failures throw as FromString throws.
+  virtual bool StorePropertyText(int propertyId, ItemType itemType, const std::string& text,
+                                 CWhitespaceUtils::WhitespaceRule rule);
 
   // Held by generated code while it creates a class's records.
   static CKOCriticalSection m_csInit;

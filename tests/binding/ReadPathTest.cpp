@@ -4,6 +4,10 @@
 // while filling them.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <tuple>
+#include <vector>
+
 #include "support/TestModel.h"
 
 using namespace testmodel;
@@ -105,6 +109,66 @@ TEST(ReadPath, MemberObjectsAreLeftWithTheOwnersReferenceAlone) {
   ASSERT_TRUE(team->meta);
   EXPECT_EQ(team->meta->rev, 3);
   EXPECT_EQ(References(team->meta.get()), 1);  // a mandatory member filled in place
+}
+
+// Offers of a value's text, with what each answers.
+using Offer = std::tuple<int, ItemType, std::string, CWhitespaceUtils::WhitespaceRule>;
+
+// Declines every offer, so the engine falls back to a KoVariant.
+class CDecliningPerson : public CPerson {
+ public:
+  bool StorePropertyText(int id, ItemType type, const std::string& text, CWhitespaceUtils::WhitespaceRule rule) override {
+    offers.emplace_back(id, type, text, rule);
+    return false;
+  }
+  std::vector<Offer> offers;
+};
+
+// Takes the name itself and declines the rest.
+class CNameTakingPerson : public CDecliningPerson {
+ public:
+  bool StorePropertyText(int id, ItemType type, const std::string& text, CWhitespaceUtils::WhitespaceRule rule) override {
+    CDecliningPerson::StorePropertyText(id, type, text, rule);
+    if (id != P_name) return false;
+    name = "taken:" + text;
+    return true;
+  }
+};
+
+class CDecliningPrice : public CPrice {
+ public:
+  bool StorePropertyText(int id, ItemType type, const std::string& text, CWhitespaceUtils::WhitespaceRule rule) override {
+    offers.emplace_back(id, type, text, rule);
+    return false;
+  }
+  std::vector<Offer> offers;
+};
+
+TEST(ReadPath, PrimitiveValuesAreOfferedAsTextBeforeAVariant) {
+  CSmartPtr<CDecliningPerson> declining(new CDecliningPerson);
+  Read(*declining, kPersonXml);
+  ExpectPersonRead(*declining);  // every value still arrives through AccessProperty
+  const std::vector<Offer>& offers = declining->offers;
+  EXPECT_NE(std::find(offers.begin(), offers.end(), Offer(CPerson::P_id, ItemType_i4, "7",
+                                                          CWhitespaceUtils::WhitespaceRule_Collapse)),
+            offers.end());  // an attribute
+  EXPECT_NE(std::find_if(offers.begin(), offers.end(),
+                         [](const Offer& o) { return std::get<0>(o) == CPerson::P_age && std::get<2>(o) == "41"; }),
+            offers.end());  // an element
+  EXPECT_EQ(std::count_if(offers.begin(), offers.end(), [](const Offer& o) { return std::get<2>(o) == "a"; }), 0)
+      << "collection items are not offered";
+
+  CSmartPtr<CNameTakingPerson> taking(new CNameTakingPerson);
+  Read(*taking, kPersonXml);
+  EXPECT_EQ(taking->name, "taken:Ann");  // what the class stored, not the variant's value
+  EXPECT_EQ(taking->age, 41);
+
+  CSmartPtr<CDecliningPrice> price(new CDecliningPrice);
+  Read(*price, "<price " + kDecl + " currency=\"EUR\"> 12.50 </price>");
+  EXPECT_EQ(price->value.GetDecimal().ToString(), "12.5");
+  EXPECT_NE(std::find(price->offers.begin(), price->offers.end(),
+                      Offer(CPrice::P_value, ItemType_decimal, " 12.50 ", CWhitespaceUtils::WhitespaceRule_None)),
+            price->offers.end());  // simple content, with its text unchanged
 }
 
 }  // namespace
