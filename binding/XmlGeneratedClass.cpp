@@ -2,10 +2,8 @@
 
 #include <strings.h>
 
-#include <cstddef>
 #include <memory>
 #include <string>
-#include <typeinfo>
 #include <vector>
 
 #include "KoXmlLib10/ElementInfoChoice.h"
@@ -15,6 +13,7 @@
 #include "KoXmlLib10/XmlDocument.h"
 #include "KoXmlLib10/XmlWriter.h"
 #include "binding/BindingMessages.h"
+#include "binding/CachedCast.h"
 #include "binding/VariantItemType.h"
 #include "members/ReadText.h"
 #include "types/VariantText.h"
@@ -298,27 +297,6 @@ class COwnerNamespace {
   const char* m_text;
 };
 
-// dynamic_cast<INillable*> walks the class hierarchy for every object read;
-// the answer depends only on the object's dynamic type, so each thread keeps
-// the last type's answer as an offset from the object.
-INillable* AsNillable(CXmlGeneratedClass* object) {
-  struct CachedAnswer {
-    const std::type_info* type = nullptr;
-    bool nillable = false;
-    std::ptrdiff_t offset = 0;
-  };
-  thread_local CachedAnswer cached;
-  const std::type_info* type = &typeid(*object);
-  char* const base = reinterpret_cast<char*>(object);
-  if (cached.type != type) {
-    INillable* nillable = dynamic_cast<INillable*>(object);
-    cached.nillable = nillable != nullptr;
-    cached.offset = nillable ? reinterpret_cast<char*>(nillable) - base : 0;
-    cached.type = type;
-  }
-  return cached.nillable ? reinterpret_cast<INillable*>(base + cached.offset) : nullptr;
-}
-
 }  // namespace
 
 CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,
@@ -333,7 +311,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
     // attributes from there.
     ProcessAttributesFromXml(ctx, element, info->rejectUnknownAttributes);
 
-    INillable* nillable = AsNillable(this);
+    INillable* nillable = readcast::CachedDynamicCast<INillable>(this);
     if (nillable && nillable->IsNil()) return cursor;
 
     switch (info->groupType) {
@@ -384,9 +362,12 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CXmlSerializationContext
   for (CXmlAttribute* attribute : element->GetAttributes()) {
     // Namespace declarations and the schema-instance type and location
     // attributes belong to the document, not to the data.
-    if (attribute->IsNamespaceAttribute() || IsUnprocessedNamespaceDeclaration(*attribute)) continue;
+    // Both kinds, and the nil attribute, are in the schema-instance
+    // namespace: an unqualified attribute needs neither test.
+    const bool qualified = !attribute->GetNamespaceURI().empty();
+    if ((qualified && attribute->IsNamespaceAttribute()) || IsUnprocessedNamespaceDeclaration(*attribute)) continue;
 
-    if (attribute->IsNilAttribute()) {
+    if (qualified && attribute->IsNilAttribute()) {
       INillable* nillable = dynamic_cast<INillable*>(this);
       if (!nillable)
         throw CKoValidationException(FormatString(msg::kNilOnNonNillable, element->GetLocalName().c_str()));

@@ -13,6 +13,7 @@
 #include "KoXmlLib10/XmlGeneratedClass.h"
 #include "KoXmlLib10/XmlObjectHelper.h"
 #include "KoXmlLib10/XmlWriter.h"
+#include "binding/CachedCast.h"
 #include "binding/VariantItemType.h"
 #include "members/MembersMessages.h"
 #include "members/ReadText.h"
@@ -47,6 +48,13 @@ void StoreObject(const CElementInfo& record, CXmlGeneratedClass* owner, CXmlObje
 
 CXmlCollectionBase* AsCollection(const CElementInfo& record, CXmlObjectBase* object) {
   auto* collection = dynamic_cast<CXmlCollectionBase*>(object);
+  if (!collection) throw CKoException(FormatString(msg::kNoCollection, record.elementName.c_str()));
+  return collection;
+}
+
+// AsCollection for reading, where every object of a class asks it again.
+CXmlCollectionBase* ReadableCollection(const CElementInfo& record, CXmlObjectBase* object) {
+  auto* collection = KoXmlLib10::readcast::CachedDynamicCast<CXmlCollectionBase>(object);
   if (!collection) throw CKoException(FormatString(msg::kNoCollection, record.elementName.c_str()));
   return collection;
 }
@@ -409,7 +417,7 @@ bool ReadAllAbsCls(const CElementInfo& record, const ReadArgs& args, const char*
 bool ReadCollection(const CElementInfo& record, const ReadArgs& a, Group group, Items items) {
   CXmlElement*& cursor = *a.cursor;
   const CHeldObject held = HeldPropertyObject(record, a.owner);
-  CXmlCollectionBase* collection = AsCollection(record, held.get());
+  CXmlCollectionBase* collection = ReadableCollection(record, held.get());
 
   CXmlElement* next;
   if (items == Items::Untyped && record.elementName != kAnyElementName) {

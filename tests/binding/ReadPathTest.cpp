@@ -77,8 +77,9 @@ TEST(ReadPath, AConstantNamespaceTextSparesTheStringAndReadsTheSame) {
 }
 
 TEST(ReadPath, NillableAndOtherClassesReadInTurnKeepTheirOwnAnswer) {
-  // CAddress is nillable through its second base; CPerson is not. Reading
-  // them in turn on one thread must not carry one class's answer to the other.
+  // CAddress is nillable through its second base; the others are not.
+  // Reading them in turn on one thread must not carry one class's answer to
+  // another.
   for (int round = 0; round < 3; ++round) {
     SCOPED_TRACE(round);
     CSmartPtr<CAddress> nil(new CAddress);
@@ -90,6 +91,22 @@ TEST(ReadPath, NillableAndOtherClassesReadInTurnKeepTheirOwnAnswer) {
     Read(*person, kPersonXml);
     ExpectPersonRead(*person);
     EXPECT_FALSE(person->address->IsNil());
+
+    // More classes than the engine remembers answers for.
+    CSmartPtr<CShape> shape(new CShape);
+    Read(*shape, "<shape " + kDecl + "><radius>1</radius></shape>");
+    EXPECT_EQ(shape->radius, 1);
+    CSmartPtr<CBag> bag(new CBag);
+    Read(*bag, "<bag " + kDecl + "><z>2</z><x>1</x></bag>");
+    EXPECT_EQ(bag->x, 1);
+    CSmartPtr<CCode> code(new CCode);
+    Read(*code, "<code " + kDecl + ">t</code>");
+    EXPECT_EQ(code->text, "t");
+    CSmartPtr<CPrice> price(new CPrice);
+    Read(*price, "<price " + kDecl + ">2</price>");
+    CSmartPtr<CTeam> team(new CTeam);
+    Read(*team, "<team " + kDecl + " rev=\"3\"><comment>c</comment></team>");
+    EXPECT_EQ(team->meta->rev, 3);
 
     CSmartPtr<CAddress> plain(new CAddress);
     Read(*plain, "<address " + kDecl + "><street>t</street></address>");
