@@ -914,14 +914,14 @@ class Writer {
       value.property = c.valueProperty;
       if (StoresText(value)) storeCases += StoreTextCase(value);
     }
-    s << "\nbool " << c.cxxName << "::StorePropertyText(int propertyId, ItemType itemType, const std::string& text,\n"
-      << "                                CWhitespaceUtils::WhitespaceRule rule) {\n"
+    s << "\nbool " << c.cxxName << "::StorePropertyText(int propertyId, KoXmlLib10::ItemType itemType, const std::string& text,\n"
+      << "                                KoXmlLib10::CWhitespaceUtils::WhitespaceRule rule) {\n"
       << "  if (typeid(*this) != typeid(" << c.cxxName << ")) return false;\n"
       << "  return StoreOwnPropertyText(propertyId, itemType, text, rule);\n}\n\n";
     const bool usesArguments = !storeCases.empty() || c.base;
-    s << "bool " << c.cxxName << "::StoreOwnPropertyText(int propertyId, ItemType"
+    s << "bool " << c.cxxName << "::StoreOwnPropertyText(int propertyId, KoXmlLib10::ItemType"
       << (usesArguments ? " itemType" : "") << ", const std::string&" << (usesArguments ? " text" : "")
-      << ",\n                                   CWhitespaceUtils::WhitespaceRule" << (usesArguments ? " rule" : "")
+      << ",\n                                   KoXmlLib10::CWhitespaceUtils::WhitespaceRule" << (usesArguments ? " rule" : "")
       << ") {\n";
     s << "  switch (propertyId) {\n" << storeCases << "    default:";
     if (c.base) s << " return " << baseClass << "::StoreOwnPropertyText(propertyId, itemType, text, rule);\n";
