@@ -13,6 +13,7 @@
 #include "KoXmlLib10/XmlDocument.h"
 #include "KoXmlLib10/XmlWriter.h"
 #include "binding/BindingMessages.h"
+#include "binding/CachedCast.h"
 #include "binding/VariantItemType.h"
 #include "members/ReadText.h"
 #include "types/VariantText.h"
@@ -268,6 +269,36 @@ bool CXmlGeneratedClass::ProcessElementChoiceToXml(const CXmlSerializationContex
 
 // ---- reading -----------------------------------------------------------------
 
+const char* CXmlGeneratedClass::GetNamespaceText() const { return nullptr; }
+
+bool CXmlGeneratedClass::StorePropertyText(int, ItemType, const std::string&, CWhitespaceUtils::WhitespaceRule) {
+  return false;
+}
+
+namespace {
+
+// The owner's namespace as the records take it: the class's constant text
+// when it has one, otherwise the string GetNamespace() builds, kept for the
+// group being read.
+class COwnerNamespace {
+ public:
+  explicit COwnerNamespace(const CXmlGeneratedClass& owner) : m_text(owner.GetNamespaceText()) {
+    if (!m_text) {
+      m_built = owner.GetNamespace();
+      m_text = m_built.c_str();
+    }
+  }
+  COwnerNamespace(const COwnerNamespace&) = delete;
+  COwnerNamespace& operator=(const COwnerNamespace&) = delete;
+  const char* c_str() const { return m_text; }
+
+ private:
+  std::string m_built;
+  const char* m_text;
+};
+
+}  // namespace
+
 CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,
                                              const CXmlSerializationContext& ctx, bool choiceMayBeEmpty) {
   if (!element) throw CKoInvalidParamException(msg::kNullElement);
@@ -280,7 +311,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
     // attributes from there.
     ProcessAttributesFromXml(ctx, element, info->rejectUnknownAttributes);
 
-    INillable* nillable = dynamic_cast<INillable*>(this);
+    INillable* nillable = readcast::CachedDynamicCast<INillable>(this);
     if (nillable && nillable->IsNil()) return cursor;
 
     switch (info->groupType) {
@@ -300,11 +331,15 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
       KoVariant value;
       if (info->valueAsText) {
         value.SetString(std::string(element->GetTextView()));
+        AccessProperty(info->valuePropertyId, false, value);
       } else {
         const readtext::ScopedText text(*element);
-        value.FromString(text.Get(), info->valueType, CWhitespaceUtils::WhitespaceRule_None);
+        if (!StorePropertyText(info->valuePropertyId, info->valueType, text.Get(),
+                               CWhitespaceUtils::WhitespaceRule_None)) {
+          value.FromString(text.Get(), info->valueType, CWhitespaceUtils::WhitespaceRule_None);
+          AccessProperty(info->valuePropertyId, false, value);
+        }
       }
-      AccessProperty(info->valuePropertyId, false, value);
     }
     return cursor;
   } catch (const CKoException& failure) {
@@ -327,9 +362,12 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CXmlSerializationContext
   for (CXmlAttribute* attribute : element->GetAttributes()) {
     // Namespace declarations and the schema-instance type and location
     // attributes belong to the document, not to the data.
-    if (attribute->IsNamespaceAttribute() || IsUnprocessedNamespaceDeclaration(*attribute)) continue;
+    // Both kinds, and the nil attribute, are in the schema-instance
+    // namespace: an unqualified attribute needs neither test.
+    const bool qualified = !attribute->GetNamespaceURI().empty();
+    if ((qualified && attribute->IsNamespaceAttribute()) || IsUnprocessedNamespaceDeclaration(*attribute)) continue;
 
-    if (attribute->IsNilAttribute()) {
+    if (qualified && attribute->IsNilAttribute()) {
       INillable* nillable = dynamic_cast<INillable*>(this);
       if (!nillable)
         throw CKoValidationException(FormatString(msg::kNilOnNonNillable, element->GetLocalName().c_str()));
@@ -362,7 +400,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CXmlSerializatio
                                                           XmlElementType ownerElementType) {
   CElementInfo** records = GetClassElementInfo();
   const int count = CountRecords(records);
-  const std::string ownerNamespace = GetNamespace();
+  const COwnerNamespace ownerNamespace(*this);
   CXmlElement* const entry = cursor;
   // The last record that consumed an element. After an unknown element is
   // skipped reading resumes there, so that a repeated member also collects
@@ -398,7 +436,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CXmlSerializa
                                                              bool choiceMayBeEmpty) {
   CElementInfo** records = GetClassElementInfo();
   const int count = CountRecords(records);
-  const std::string ownerNamespace = GetNamespace();
+  const COwnerNamespace ownerNamespace(*this);
   CXmlElement* const entry = cursor;
 
   // Only one alternative is read: the first that takes the element.
@@ -437,9 +475,14 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CXmlSerializatio
                                                           XmlElementType ownerElementType) {
   CElementInfo** records = GetClassElementInfo();
   const int count = CountRecords(records);
-  const std::string ownerNamespace = GetNamespace();
+  const COwnerNamespace ownerNamespace(*this);
   CXmlElement* const entry = cursor;
-  std::vector<bool> found(count, false);
+  // An all group has few members: their flags live on the stack.
+  constexpr int kFlagsOnStack = 32;
+  bool flagsOnStack[kFlagsOnStack] = {};
+  std::unique_ptr<bool[]> flagsOnHeap;
+  if (count > kFlagsOnStack) flagsOnHeap.reset(new bool[count]());
+  bool* const found = flagsOnHeap ? flagsOnHeap.get() : flagsOnStack;
 
   // Members come in any order: keep offering the remaining children to the
   // members not yet found until a whole pass consumes nothing.

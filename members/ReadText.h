@@ -25,10 +25,11 @@ constexpr size_t kKeptScratchBytes = size_t(16) << 10;
 // string of its own.
 class ScopedText {
  public:
-  explicit ScopedText(const CXmlElement& element) : m_shared(!InUse()), m_text(m_shared ? Scratch() : m_own) {
+  explicit ScopedText(const CXmlElement& element)
+      : m_thread(Thread()), m_shared(!m_thread.inUse), m_text(m_shared ? m_thread.scratch : m_own) {
     const std::string_view view = element.GetTextView();
     m_text.assign(view.data(), view.size());
-    if (m_shared) InUse() = true;  // only once nothing can throw any more
+    if (m_shared) m_thread.inUse = true;  // only once nothing can throw any more
   }
   ~ScopedText() {
     if (!m_shared) return;
@@ -36,21 +37,24 @@ class ScopedText {
       std::string().swap(m_text);
     else
       m_text.clear();
-    InUse() = false;
+    m_thread.inUse = false;
   }
   ScopedText(const ScopedText&) = delete;
   ScopedText& operator=(const ScopedText&) = delete;
   const std::string& Get() const { return m_text; }
 
  private:
-  static std::string& Scratch() {
-    thread_local std::string scratch;
-    return scratch;
+  // The thread's buffer and whether a ScopedText holds it, found once per
+  // value: thread-local storage of a shared library costs a call to reach.
+  struct ThreadScratch {
+    std::string scratch;
+    bool inUse = false;
+  };
+  static ThreadScratch& Thread() {
+    thread_local ThreadScratch state;
+    return state;
   }
-  static bool& InUse() {
-    thread_local bool inUse = false;
-    return inUse;
-  }
+  ThreadScratch& m_thread;
   const bool m_shared;
   std::string m_own;
   std::string& m_text;

@@ -13,6 +13,7 @@
 #include "KoXmlLib10/XmlGeneratedClass.h"
 #include "KoXmlLib10/XmlObjectHelper.h"
 #include "KoXmlLib10/XmlWriter.h"
+#include "binding/CachedCast.h"
 #include "binding/VariantItemType.h"
 #include "members/MembersMessages.h"
 #include "members/ReadText.h"
@@ -47,6 +48,13 @@ void StoreObject(const CElementInfo& record, CXmlGeneratedClass* owner, CXmlObje
 
 CXmlCollectionBase* AsCollection(const CElementInfo& record, CXmlObjectBase* object) {
   auto* collection = dynamic_cast<CXmlCollectionBase*>(object);
+  if (!collection) throw CKoException(FormatString(msg::kNoCollection, record.elementName.c_str()));
+  return collection;
+}
+
+// AsCollection for reading, where every object of a class asks it again.
+CXmlCollectionBase* ReadableCollection(const CElementInfo& record, CXmlObjectBase* object) {
+  auto* collection = KoXmlLib10::readcast::CachedDynamicCast<CXmlCollectionBase>(object);
   if (!collection) throw CKoException(FormatString(msg::kNoCollection, record.elementName.c_str()));
   return collection;
 }
@@ -109,6 +117,14 @@ void Parse(const CElementInfo&, const std::string& text, KoVariant& value, const
   value.SetI4(codec.textToEnum(text.c_str()));
 }
 
+// Generated classes store a primitive value parsed straight from the text,
+// without a KoVariant in between; false leaves it to the variant.
+bool StoreText(const CElementInfo& record, CXmlGeneratedClass* owner, const std::string& text, const PrimCodec&) {
+  return owner->StorePropertyText(record.propertyId, record.itemType, text, record.whitespaceRule);
+}
+
+bool StoreText(const CElementInfo&, CXmlGeneratedClass*, const std::string&, const EnumCodec&) { return false; }
+
 // Reads the matched element `element`: nil, or its text parsed by the codec
 // (facets are not checked on reading), then stores and moves on.
 template <class Codec>
@@ -123,6 +139,10 @@ void ReadValueElement(const CElementInfo& record, const ReadArgs& a, CXmlElement
     value.SetNil();
   } else {
     const KoXmlLib10::readtext::ScopedText text(*element);
+    if (StoreText(record, a.owner, text.Get(), codec)) {
+      *a.cursor = element->GetNextSiblingElement();
+      return;
+    }
     Parse(record, text.Get(), value, codec);
   }
   record.AccessProperty(a.owner, false, value);
@@ -159,10 +179,36 @@ CXmlElement* ReadPseudoContent(const ReadArgs& a, CXmlObjectBase* object) {
   return CElementInfo::FromXml_Int(object, a.parent, *a.cursor, a.ctx, false);
 }
 
+// The object (or collection) in a record's property while a member is read.
+// It keeps the reference the variant's getter hands out instead of taking a
+// further one: every AddRef/Release pair takes the object's lock.
+class CHeldObject {
+ public:
+  explicit CHeldObject(CXmlObjectBase* adopted) : m_object(adopted) {}
+  ~CHeldObject() {
+    if (m_object) m_object->Release();
+  }
+  CHeldObject(CHeldObject&& other) noexcept : m_object(other.m_object) { other.m_object = nullptr; }
+  CHeldObject(const CHeldObject&) = delete;
+  CHeldObject& operator=(const CHeldObject&) = delete;
+  CHeldObject& operator=(CHeldObject&&) = delete;
+  CXmlObjectBase* get() const { return m_object; }
+  explicit operator bool() const { return m_object != nullptr; }
+
+ private:
+  CXmlObjectBase* m_object;
+};
+
+CHeldObject HeldPropertyObject(const CElementInfo& record, const CXmlGeneratedClass* owner) {
+  KoVariant value;
+  record.ReadProperty(owner, value);
+  return CHeldObject(value.GetXmlObject());  // a reference we must give back
+}
+
 // The object a mandatory member always holds; its absence is a fault of the
 // generated code, reported instead of dereferenced.
-ObjectPtr MemberObject(const CElementInfo& record, const CXmlGeneratedClass* owner) {
-  ObjectPtr object = PropertyObject(record, owner);
+CHeldObject MemberObject(const CElementInfo& record, const CXmlGeneratedClass* owner) {
+  CHeldObject object = HeldPropertyObject(record, owner);
   if (!object) throw CKoException(FormatString(msg::kNoObject, record.elementName.c_str()));
   return object;
 }
@@ -262,7 +308,7 @@ bool ReadUntpdMandatory(const CElementInfo& record, const ReadArgs& a, Group gro
     if (group == Group::All) return false;
     ThrowRequired(record);
   }
-  ObjectPtr element = PropertyObject(record, a.owner);
+  const CHeldObject element = HeldPropertyObject(record, a.owner);
   if (!dynamic_cast<CElement*>(element.get()))
     throw CKoException(FormatString(msg::kNotAnElement, record.elementName.c_str()));
   CXmlElement* next = ReadUntyped(record, a, element.get());
@@ -370,8 +416,8 @@ bool ReadAllAbsCls(const CElementInfo& record, const ReadArgs& args, const char*
 
 bool ReadCollection(const CElementInfo& record, const ReadArgs& a, Group group, Items items) {
   CXmlElement*& cursor = *a.cursor;
-  ObjectPtr held = PropertyObject(record, a.owner);
-  CXmlCollectionBase* collection = AsCollection(record, held.get());
+  const CHeldObject held = HeldPropertyObject(record, a.owner);
+  CXmlCollectionBase* collection = ReadableCollection(record, held.get());
 
   CXmlElement* next;
   if (items == Items::Untyped && record.elementName != kAnyElementName) {
@@ -442,7 +488,7 @@ bool ValidateAllMember(const CElementInfo& record, bool found, bool ownerHasElem
 bool ValidateAllCollection(const CElementInfo& record, const CXmlSerializationContext& ctx,
                            const CXmlGeneratedClass* owner, bool ownerHasElement) {
   if (ownerHasElement) return true;
-  ObjectPtr held = PropertyObject(record, owner);
+  const CHeldObject held = HeldPropertyObject(record, owner);
   return AsCollection(record, held.get())->IsValidCount(ctx);
 }
 
@@ -504,6 +550,9 @@ bool ReadAttribute(const CAttributeInfo& record, const CXmlSerializationContext&
                    CXmlAttribute* attribute, const PrimAttributeCodec& codec) {
   if (attribute->GetLocalName() != record.attributeName || attribute->GetNamespaceURI() != record.attributeNamespace)
     return false;
+  if (owner->StorePropertyText(record.propertyId, codec.record.itemType, attribute->GetValue(),
+                               codec.record.whitespaceRule))
+    return true;
   KoVariant value;
   value.FromString(attribute->GetValue(), codec.record.itemType, codec.record.whitespaceRule);
   record.AccessProperty(owner, false, value);

@@ -39,6 +39,22 @@ class KOXML_API CXmlGeneratedClass : public CXmlObjectBase {
   virtual CAttributeInfo** GetClassAttributeInfo() = 0;
   // Resets every property to its initial state; called first by every read.
   virtual void Init() = 0;
+  // Beyond the generated-code contract above, added by this library: the
+  // text GetNamespace() returns when it is a constant that outlives the
+  // object, or null (the default) to have GetNamespace() called. Reading
+  // hands the owner's namespace to the records of every group it reads; a
+  // constant spares building a string for each object. A class that
+  // overrides GetNamespace() of a class that overrides this overrides both.
+  virtual const char* GetNamespaceText() const;
+  // Also an addition beyond the contract: stores the value of `text`,
+  // converted as KoVariant::FromString(text, itemType, rule) converts it, into
+  // the simple-typed property `propertyId`, exactly as AccessProperty(
+  // propertyId, false, value) would store that variant. Returns false, having
+  // changed nothing, when the class offers no such shortcut for the property
+  // and item type (the default); reading then goes through a KoVariant.
+  // Conversion failures throw as FromString throws.
+  virtual bool StorePropertyText(int propertyId, ItemType itemType, const std::string& text,
+                                 CWhitespaceUtils::WhitespaceRule rule);
 
   // Held by generated code while it creates a class's records.
   static CKOCriticalSection m_csInit;

@@ -84,6 +84,91 @@ TEST(GeneratedConstructs, DerivedTypesAndSubstitutionGroupsGiveTheirClasses) {
   EXPECT_THROW(bad->FromXml(untyped.c_str(), Ctx()), CKoValidationException);
 }
 
+// Reading takes a generated class's namespace from its constant text; it is
+// the same namespace GetNamespace() gives, for base and derived classes alike.
+TEST(GeneratedConstructs, NamespaceTextIsTheNamespace) {
+  CSmartPtr<derive::CDrawing> doc(new derive::CDrawing);
+  doc->FromXml(Instance("derive").c_str(), Ctx());
+  const CXmlGeneratedClass* classes[] = {doc.get(), dynamic_cast<derive::CCircle*>(doc->GetMain()),
+                                         dynamic_cast<derive::CSquare*>(doc->GetShapes()->Item(1))};
+  for (const CXmlGeneratedClass* object : classes) {
+    ASSERT_NE(object, nullptr);
+    ASSERT_NE(object->GetNamespaceText(), nullptr);
+    EXPECT_EQ(object->GetNamespaceText(), object->GetNamespace());
+  }
+}
+
+// Reading stores primitive values straight from their text: the same value,
+// nil flag and failure as through a KoVariant, including properties a
+// derived class inherits.
+TEST(GeneratedConstructs, PropertiesStoredFromTextAsThroughAVariant) {
+  using WS = CWhitespaceUtils;
+  CSmartPtr<derive::CCircle> circle(new derive::CCircle);
+  EXPECT_TRUE(circle->StorePropertyText(derive::CCircle::kRadius, ItemType_r8, " 2.5 ", WS::WhitespaceRule_Collapse));
+  EXPECT_EQ(circle->GetRadius(), 2.5);
+  EXPECT_TRUE(circle->StorePropertyText(derive::CShape::kLabel, ItemType_string, " a  b ", WS::WhitespaceRule_Replace));
+  KoVariant expected;
+  expected.FromString(" a  b ", ItemType_string, WS::WhitespaceRule_Replace);
+  EXPECT_EQ(circle->GetLabel(), expected.GetString());
+
+  // Another item type than the member's, or a property without a shortcut:
+  // nothing changes and the caller goes through a variant.
+  EXPECT_FALSE(circle->StorePropertyText(derive::CCircle::kRadius, ItemType_string, "7", WS::WhitespaceRule_Collapse));
+  EXPECT_FALSE(circle->StorePropertyText(derive::CCircle::kPropertyCount, ItemType_r8, "7", WS::WhitespaceRule_Collapse));
+  EXPECT_EQ(circle->GetRadius(), 2.5);
+
+  // Bad text fails as the variant's conversion fails, leaving the value.
+  std::string viaVariant;
+  try {
+    KoVariant value;
+    value.FromString("wide", ItemType_r8, WS::WhitespaceRule_Collapse);
+  } catch (const CKoException& e) {
+    viaVariant = e.GetFullMessage();
+  }
+  try {
+    circle->StorePropertyText(derive::CCircle::kRadius, ItemType_r8, "wide", WS::WhitespaceRule_Collapse);
+    ADD_FAILURE() << "converted";
+  } catch (const CKoInvalidValueException& e) {
+    EXPECT_EQ(e.GetFullMessage(), viaVariant);
+  }
+  EXPECT_EQ(circle->GetRadius(), 2.5);
+
+  // A nillable member stored from text is no longer nil.
+  CSmartPtr<derive::CDrawing> doc(new derive::CDrawing);
+  doc->FromXml(Instance("derive").c_str(), Ctx());
+  ASSERT_TRUE(doc->IsNilNote());
+  EXPECT_TRUE(doc->StorePropertyText(derive::CDrawing::kNote, ItemType_string, "n", WS::WhitespaceRule_Preserve));
+  EXPECT_FALSE(doc->IsNilNote());
+  EXPECT_EQ(doc->GetNote(), "n");
+}
+
+// A class derived by hand from a generated one sees every property that
+// reading stores through its AccessProperty.
+class CWatchedCircle : public derive::CCircle {
+ public:
+  void AccessProperty(int propertyId, bool get, KoVariant& value) override {
+    if (!get) stored.push_back(propertyId);
+    derive::CCircle::AccessProperty(propertyId, get, value);
+  }
+  std::vector<int> stored;
+};
+
+TEST(GeneratedConstructs, HandDerivedClassesSeeEveryStoreThroughAccessProperty) {
+  CSmartPtr<CWatchedCircle> circle(new CWatchedCircle);
+  EXPECT_FALSE(circle->StorePropertyText(derive::CCircle::kRadius, ItemType_r8, "1", CWhitespaceUtils::WhitespaceRule_Collapse));
+  std::string xml = Instance("derive");
+  const size_t start = xml.find("<main");
+  const size_t end = xml.find("</main>", start);
+  ASSERT_NE(end, std::string::npos);
+  std::string main = xml.substr(start, end + 7 - start);
+  main.insert(main.find('>'), " xmlns=\"urn:test:derive\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"");
+  circle->FromXml(main.c_str(), Ctx());
+  EXPECT_EQ(circle->GetRadius(), 2.5);
+  EXPECT_EQ(circle->GetLabel(), "sun");
+  EXPECT_NE(std::find(circle->stored.begin(), circle->stored.end(), int(derive::CCircle::kRadius)), circle->stored.end());
+  EXPECT_NE(std::find(circle->stored.begin(), circle->stored.end(), int(derive::CShape::kLabel)), circle->stored.end());
+}
+
 // An object built in code writes xsi:type for the derived class.
 TEST(GeneratedConstructs, DerivedObjectsSetInCodeWriteTheirType) {
   CSmartPtr<derive::CDrawing> doc(new derive::CDrawing);

@@ -470,6 +470,27 @@ class Writer {
     return o.str();
   }
 
+  // Whether reading may store the member straight from its text: a single
+  // primitive value of a known item type.
+  static bool StoresText(const Member& m) {
+    return m.kind == MemberKind::Prim && m.occurrence != Occurrence::Collection && m.simple.itemType >= 1 &&
+           m.simple.itemType <= 26;
+  }
+
+  // The case of StoreOwnPropertyText for `m`: the conversion KoVariant::
+  // FromString makes for the item type, stored as AccessProperty stores it.
+  std::string StoreTextCase(const Member& m) const {
+    const TypeInfo& t = Type(m.simple.itemType);
+    const std::string token = std::string(t.itemType).substr(std::string("ItemType_").size());
+    std::ostringstream o;
+    o << "    case k" << m.property << ":\n";
+    o << "      if (itemType != " << t.itemType << ") return false;\n";
+    o << "      " << Var(m) << " = CConversions::" << token << "FromString(text, rule);\n";
+    if (m.nillable) o << "      " << Var(m) << "Nil = false;\n";
+    o << "      return true;\n";
+    return o.str();
+  }
+
   std::string AccessCase(const ClassModel& c, const Member& m) const {
     const std::string v = Var(m);
     const std::string k = "k" + m.property;
@@ -718,14 +739,21 @@ class Writer {
     h << "  KoXmlLib10::CXmlObjectBase* GetBase() override { return this; }\n";
     h << "  std::string GetTargetNamespace() const override;\n";
     h << "  std::string GetNamespace() const override;\n";
+    h << "  const char* GetNamespaceText() const override;\n";
     h << "  void AccessProperty(int propertyId, bool get, KoXmlLib10::KoVariant& value) override;\n";
     h << "  KoXmlLib10::CParentElementInfo* GetClassInfo() override;\n";
     h << "  KoXmlLib10::CElementInfo** GetClassElementInfo() override;\n";
     h << "  KoXmlLib10::CAttributeInfo** GetClassAttributeInfo() override;\n";
-    h << "  void Init() override;\n\n";
+    h << "  void Init() override;\n";
+    h << "  bool StorePropertyText(int propertyId, KoXmlLib10::ItemType itemType, const std::string& text,\n"
+         "                         KoXmlLib10::CWhitespaceUtils::WhitespaceRule rule) override;\n\n";
     h << "  // This class's records after its base's; derived classes start from them.\n";
     h << "  static void AddRecords(std::vector<KoXmlLib10::CElementInfo*>& elements,\n"
          "                         std::vector<KoXmlLib10::CAttributeInfo*>& attributes);\n\n";
+    h << " protected:\n";
+    h << "  // StorePropertyText for the properties of this class and its bases.\n";
+    h << "  bool StoreOwnPropertyText(int propertyId, KoXmlLib10::ItemType itemType, const std::string& text,\n"
+         "                            KoXmlLib10::CWhitespaceUtils::WhitespaceRule rule);\n\n";
     h << " private:\n  void InitMembers();\n\n";
     for (const Member* m : members) Fields(h, c, *m);
     if (c.simpleContent && !c.base) {
@@ -770,7 +798,7 @@ class Writer {
       for (const ClassModel* k : Descendants(c)) derivedHeaders.insert(k->fileBase + ".h");
       for (const std::string& inc : derivedHeaders) s << "#include " << Include(inc) << "\n";
     }
-    s << "\n";
+    s << "\n#include <typeinfo>\n\n";
     s << "using namespace KoXmlLib10;\nusing namespace KoXmlLib10Data;\n\n" << Open(ns) << "\nnamespace {\n\n";
     const std::string records = "Create" + c.fileBase + "Records";
     s << "void " << records << "(CParentElementInfo*& info, CElementInfo**& elements, CAttributeInfo**& attributes) {\n";
@@ -833,6 +861,7 @@ class Writer {
     if (c.elementFactory) ElementFactory(s, c);
     s << "std::string " << c.cxxName << "::GetTargetNamespace() const { return " << Quote(c.elementNamespace) << "; }\n";
     s << "std::string " << c.cxxName << "::GetNamespace() const { return kTargetNamespace; }\n";
+    s << "const char* " << c.cxxName << "::GetNamespaceText() const { return kTargetNamespace; }\n";
     s << "CParentElementInfo* " << c.cxxName << "::GetClassInfo() { return g_" << c.fileBase << "Records.Info(); }\n";
     s << "CElementInfo** " << c.cxxName << "::GetClassElementInfo() { return g_" << c.fileBase << "Records.Elements(); }\n";
     s << "CAttributeInfo** " << c.cxxName << "::GetClassAttributeInfo() { return g_" << c.fileBase << "Records.Attributes(); }\n\n";
@@ -871,6 +900,32 @@ class Writer {
     s << "    default:";
     if (c.base) s << " return " << baseClass << "::AccessProperty(propertyId, get, value);\n";
     else s << " break;\n";
+    s << "  }\n}\n";
+
+    // Reading stores primitive values straight from their text. A class
+    // derived from this one outside the generated code may watch its
+    // properties through AccessProperty, so its objects go through it.
+    std::string storeCases;
+    for (const Member* m : members)
+      if (StoresText(*m)) storeCases += StoreTextCase(*m);
+    if (c.simpleContent && !c.base && !c.simpleContent->enumeration) {
+      Member value;
+      value.simple = *c.simpleContent;
+      value.property = c.valueProperty;
+      if (StoresText(value)) storeCases += StoreTextCase(value);
+    }
+    s << "\nbool " << c.cxxName << "::StorePropertyText(int propertyId, KoXmlLib10::ItemType itemType, const std::string& text,\n"
+      << "                                KoXmlLib10::CWhitespaceUtils::WhitespaceRule rule) {\n"
+      << "  if (typeid(*this) != typeid(" << c.cxxName << ")) return false;\n"
+      << "  return StoreOwnPropertyText(propertyId, itemType, text, rule);\n}\n\n";
+    const bool usesArguments = !storeCases.empty() || c.base;
+    s << "bool " << c.cxxName << "::StoreOwnPropertyText(int propertyId, KoXmlLib10::ItemType"
+      << (usesArguments ? " itemType" : "") << ", const std::string&" << (usesArguments ? " text" : "")
+      << ",\n                                   KoXmlLib10::CWhitespaceUtils::WhitespaceRule" << (usesArguments ? " rule" : "")
+      << ") {\n";
+    s << "  switch (propertyId) {\n" << storeCases << "    default:";
+    if (c.base) s << " return " << baseClass << "::StoreOwnPropertyText(propertyId, itemType, text, rule);\n";
+    else s << " return false;\n";
     s << "  }\n}\n";
     if (c.needsCollection) {
       const std::string k = c.cxxName;
