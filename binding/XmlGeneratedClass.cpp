@@ -359,7 +359,8 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CXmlSerializationContext
   if (count > kFlagsOnStack) flagsOnHeap.reset(new bool[count]());
   bool* const found = flagsOnHeap ? flagsOnHeap.get() : flagsOnStack;
 
-  for (CXmlAttribute* attribute : element->GetAttributes()) {
+  for (size_t index = 0, total = element->GetAttributeCount(); index < total; ++index) {
+    CXmlAttribute* attribute = element->GetAttributeAt(index);
     // Namespace declarations and the schema-instance type and location
     // attributes belong to the document, not to the data.
     // Both kinds, and the nil attribute, are in the schema-instance

@@ -64,9 +64,11 @@ class ScopedText {
 // GetAttribute wants both names as strings, two temporaries per lookup.
 inline const std::string* FindAttribute(const CXmlElement& element, std::string_view localName,
                                         std::string_view namespaceUri) {
-  for (const CXmlAttribute* attribute : element.GetAttributes())
+  for (size_t index = 0, total = element.GetAttributeCount(); index < total; ++index) {
+    const CXmlAttribute* attribute = element.GetAttributeAt(index);
     if (attribute->GetLocalName() == localName && attribute->GetNamespaceURI() == namespaceUri)
       return &attribute->GetValue();
+  }
   return nullptr;
 }
 

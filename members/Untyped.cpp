@@ -184,7 +184,8 @@ void CAttributeCol::ToXml_Int(CXmlWriter* writer, bool, const char* elementNames
 CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,
                                         const CXmlSerializationContext&, bool) {
   if (!element) return firstChild;
-  for (const CXmlAttribute* attribute : element->GetAttributes()) {
+  for (size_t index = 0, total = element->GetAttributeCount(); index < total; ++index) {
+    const CXmlAttribute* attribute = element->GetAttributeAt(index);
     const std::string& ns = attribute->GetNamespaceURI();
     if (!CXmlObjectHelper::IsNamespaceValid(ns, m_namespaceRestriction, m_targetNamespace))
       throw CKoInvalidNamespaceException(
@@ -298,7 +299,8 @@ void CElement::CopyXmlElement(CXmlElement* source) {
   m_text = source->GetText();
   m_attributes->Clear();
   m_elements->Clear();
-  for (const CXmlAttribute* attribute : source->GetAttributes()) {
+  for (size_t index = 0, total = source->GetAttributeCount(); index < total; ++index) {
+    const CXmlAttribute* attribute = source->GetAttributeAt(index);
     m_attributes->Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
                       attribute->GetNamespaceURI().c_str());
     if (attribute->GetLocalName() == "xmlns") m_defaultNamespace = attribute->GetValue();
