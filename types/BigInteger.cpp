@@ -1,6 +1,7 @@
 #include "KoXmlLib10/BigInteger.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <iterator>
 #include <string_view>
@@ -179,6 +180,18 @@ CBigInteger::CBigInteger(std::int32_t sign, Digits&& digits) : m_sign(sign), m_d
 // ---- text ------------------------------------------------------------------
 
 void CBigInteger::Parse(const char* s) {
+  // Plain short text ("4", "-120"): an optional "-" and up to 18 digits.
+  if (s) {
+    const char* p = s + (*s == '-' ? 1 : 0);
+    const char* digits = p;
+    unsigned long long value = 0;
+    for (; *p >= '0' && *p <= '9' && p - digits <= 18; ++p) value = value * 10 + static_cast<unsigned long long>(*p - '0');
+    if (*p == '\0' && p - digits <= 18) {
+      BuildDWORDLONG(value, m_digits);
+      m_sign = *s == '-' && value != 0 ? -1 : 1;
+      return;
+    }
+  }
   std::string_view text = s ? s : "";
   if (text.find_first_not_of("0123456789+- \t\n\r") != std::string_view::npos) {
     *this = CDecimal(s).ToBigInteger();
@@ -200,6 +213,12 @@ void CBigInteger::Parse(const char* s) {
 }
 
 std::string CBigInteger::ToString() const {
+  if (m_digits.size() == 1) {
+    char buffer[kLimbDigits + 2];
+    char* p = buffer;
+    if (IsNegative()) *p++ = '-';
+    return std::string(buffer, std::to_chars(p, buffer + sizeof buffer, m_digits[0]).ptr);
+  }
   std::string text;
   if (IsNegative()) text = "-";
   AppendMagnitude(text);
