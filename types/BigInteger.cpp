@@ -166,12 +166,6 @@ CBigInteger::CBigInteger(const char* s) : m_sign(1), m_digits{0} { Parse(s); }
 
 CBigInteger::CBigInteger(const CDecimal& d) : CBigInteger(d.ToBigInteger()) {}
 
-CBigInteger::CBigInteger(const CBigInteger& other) = default;
-CBigInteger::CBigInteger(CBigInteger&& other) noexcept = default;
-CBigInteger& CBigInteger::operator=(const CBigInteger& other) = default;
-CBigInteger& CBigInteger::operator=(CBigInteger&& other) noexcept = default;
-CBigInteger::~CBigInteger() = default;
-
 CBigInteger::CBigInteger(std::int32_t sign, Digits&& digits) : m_sign(sign), m_digits(std::move(digits)) {
   Clean(m_digits);
   FixZeroSign();
@@ -563,11 +557,14 @@ void CBigInteger::BuildDouble(double value, Digits& v) {
 }
 
 void CBigInteger::BuildDWORDLONG(unsigned long long value, Digits& v) {
-  v.clear();
-  do {
-    v.push_back(static_cast<Limb>(value % kBase));
-    value /= kBase;
-  } while (value != 0);
+  if (value < kBase) {
+    v.assign(1, static_cast<Limb>(value));
+    return;
+  }
+  Limb limbs[3];  // 2^64 < 10^27
+  size_t count = 0;
+  for (; value != 0; value /= kBase) limbs[count++] = static_cast<Limb>(value % kBase);
+  v.assign(limbs, limbs + count);
 }
 
 }  // namespace KoXmlLib10

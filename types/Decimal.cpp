@@ -170,12 +170,6 @@ CDecimal::CDecimal(CBigInteger&& scaled, int divider)
   Finish();
 }
 
-CDecimal::CDecimal(const CDecimal& other) = default;
-CDecimal::CDecimal(CDecimal&& other) noexcept = default;
-CDecimal& CDecimal::operator=(const CDecimal& other) = default;
-CDecimal& CDecimal::operator=(CDecimal&& other) noexcept = default;
-CDecimal::~CDecimal() = default;
-
 // ---- internal representation -----------------------------------------------
 
 bool CDecimal::IsNegative() const { return m_integer.IsNegative() || m_fraction.IsNegative(); }

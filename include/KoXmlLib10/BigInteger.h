@@ -82,7 +82,7 @@ class KOXML_API CBigInteger {
     }
     void resize(size_type count, value_type value = 0) {
       if (count > m_size) {
-        reserve(Grown(count));
+        if (count > m_capacity) Reallocate(Grown(count));
         std::fill(data() + m_size, data() + count, value);
       }
       m_size = static_cast<std::uint32_t>(count);
@@ -171,11 +171,13 @@ class KOXML_API CBigInteger {
   CBigInteger(const char* s);
   // Rounds to the nearest integer, halves toward zero.
   CBigInteger(const CDecimal& d);
-  CBigInteger(const CBigInteger& other);
-  CBigInteger(CBigInteger&& other) noexcept;
-  CBigInteger& operator=(const CBigInteger& other);
-  CBigInteger& operator=(CBigInteger&& other) noexcept;
-  virtual ~CBigInteger();
+  // Defined here so that the values of a document are copied and destroyed
+  // without a call into the library.
+  CBigInteger(const CBigInteger& other) = default;
+  CBigInteger(CBigInteger&& other) noexcept = default;
+  CBigInteger& operator=(const CBigInteger& other) = default;
+  CBigInteger& operator=(CBigInteger&& other) noexcept = default;
+  virtual ~CBigInteger() = default;
 
   // Plain integer text ("-0042", "  7  ") is read directly; anything else
   // goes through CDecimal and is rounded like CBigInteger(const CDecimal&).

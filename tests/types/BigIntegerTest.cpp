@@ -224,3 +224,35 @@ TEST(BigInteger, ValuesAcrossTheInlineLimitCopyAndMove) {
   EXPECT_EQ(Str(grow), "10");
   EXPECT_EQ(Str(CBigInteger::Pow10(40) - CBigInteger::Pow10(40) + CBigInteger(7)), "7");
 }
+
+// The limb vector behaves as a vector does, and stays in the object while
+// four limbs suffice.
+TEST(BigInteger, LimbVectorOperations) {
+  using Digits = CBigInteger::Digits;
+  auto items = [](const Digits& v) { return std::vector<std::uint32_t>(v.begin(), v.end()); };
+  Digits v;
+  EXPECT_TRUE(v.empty());
+  const size_t inlineRoom = v.capacity();
+  v.assign(1, 7);
+  v.resize(3);
+  v.push_back(9);
+  EXPECT_EQ(items(v), (std::vector<std::uint32_t>{7, 0, 0, 9}));
+  EXPECT_EQ(v.capacity(), inlineRoom);  // no growth while the limbs fit
+  v.insert(v.begin(), 3, 1);
+  EXPECT_EQ(items(v), (std::vector<std::uint32_t>{1, 1, 1, 7, 0, 0, 9}));
+  v.erase(v.begin() + 1, v.begin() + 4);
+  EXPECT_EQ(items(v), (std::vector<std::uint32_t>{1, 0, 0, 9}));
+  v.assign(v.begin() + 2, v.end());  // from its own storage
+  EXPECT_EQ(items(v), (std::vector<std::uint32_t>{0, 9}));
+  Digits big(40, 5);
+  big.assign(big.begin() + 1, big.begin() + 31);
+  EXPECT_EQ(items(big), std::vector<std::uint32_t>(30, 5));
+  Digits moved(std::move(big));
+  EXPECT_EQ(moved.size(), 30u);
+  EXPECT_TRUE(big.empty());
+  big = moved;
+  v = std::move(moved);
+  EXPECT_EQ(items(v), items(big));
+  EXPECT_EQ(items(Digits{4, 5}), (std::vector<std::uint32_t>{4, 5}));
+  EXPECT_EQ(Digits{0}.back(), 0u);
+}
