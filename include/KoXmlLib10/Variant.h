@@ -48,10 +48,13 @@ class KOXML_API KoVariant {
   void SetYear(unsigned short value);
   void SetMonth(unsigned char value);
   void SetDay(unsigned char value);
-  // The string is copied into storage this thread's variants have used
-  // before, so a short-lived variant usually costs no allocation.
+  // The string, decimal, integer and date kinds live on the heap; values
+  // released by this thread's variants are kept (a few of each kind) and
+  // reused by the next setter, so a short-lived variant seldom allocates.
+  // SetString takes a reference rather than a copy, so that a string copied
+  // in lands in a reused buffer; every call of the by-value form still fits.
   void SetString(const std::string& value);
-  // Beyond the plain setters: the value moves in instead of being copied.
+  // Beyond the plain setters: a temporary moves in instead of being copied.
   void SetString(std::string&& value);
   void SetDecimal(const CDecimal& value);
   void SetDecimal(CDecimal&& value);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 
@@ -248,4 +249,20 @@ TEST(Decimal, PlainTextRespectsAFewerKeptFractionDigits) {
   ExpectPlainTextReadsLikeGeneralScan(rng);
   EXPECT_EQ(Str("1.23456"), "1.235");
   EXPECT_EQ(Str("1.2345"), "1.234");
+}
+
+// Canonical text (no leading zeros, no trailing fraction zeros) prints back
+// unchanged, whatever the sizes of its two parts.
+TEST(Decimal, CanonicalTextPrintsBackUnchanged) {
+  std::mt19937_64 rng(17);
+  for (int i = 0; i < 3000; ++i) {
+    std::string integer = RandomDigits(rng, static_cast<int>(rng() % 25));
+    integer.erase(0, std::min(integer.find_first_not_of('0'), integer.size()));
+    if (integer.empty()) integer = "0";
+    std::string fraction = RandomDigits(rng, static_cast<int>(rng() % 30));
+    fraction += static_cast<char>('1' + rng() % 9);
+    const std::string text = (rng() % 2 ? "-" : "") + integer + "." + fraction;
+    ASSERT_EQ(Str(text.c_str()), text);
+    ASSERT_EQ(CDecimal(text.c_str()).GetNegative().GetNegative().ToString(), text);
+  }
 }
