@@ -57,10 +57,13 @@ void BuildFromDigitText(std::string_view text, Digits& v) {
 
 // v /= divisor in place; returns the remainder. divisor must not be 0.
 Limb DivideByLimb(Digits& v, Limb divisor) {
+  // Loops work on raw limb pointers: a store through Digits' accessors could
+  // alias its size fields, which would be reloaded on every step.
+  Limb* limbs = v.data();
   Wide remainder = 0;
   for (size_t i = v.size(); i-- > 0;) {
-    const Wide current = v[i] + remainder * kBase;
-    v[i] = static_cast<Limb>(current / divisor);
+    const Wide current = limbs[i] + remainder * kBase;
+    limbs[i] = static_cast<Limb>(current / divisor);
     remainder = current % divisor;
   }
   CBigInteger::Clean(v);
@@ -84,13 +87,16 @@ void DivideLong(const Digits& a, const Digits& b, Digits& quotient, Digits& rema
   v.resize(n, 0);
 
   quotient.assign(m + 1, 0);
-  const Wide vTop = v[n - 1];
-  const Wide vNext = v[n - 2];
+  Limb* const uLimbs = u.data();
+  const Limb* const vLimbs = v.data();
+  Limb* const qLimbs = quotient.data();
+  const Wide vTop = vLimbs[n - 1];
+  const Wide vNext = vLimbs[n - 2];
   for (size_t j = m + 1; j-- > 0;) {
-    const Wide top = Wide{u[j + n]} * kBase + u[j + n - 1];
+    const Wide top = Wide{uLimbs[j + n]} * kBase + uLimbs[j + n - 1];
     Wide qhat = top / vTop;
     Wide rhat = top % vTop;
-    while (qhat >= kBase || qhat * vNext > rhat * kBase + u[j + n - 2]) {
+    while (qhat >= kBase || qhat * vNext > rhat * kBase + uLimbs[j + n - 2]) {
       --qhat;
       rhat += vTop;
       if (rhat >= kBase) break;
@@ -99,26 +105,26 @@ void DivideLong(const Digits& a, const Digits& b, Digits& quotient, Digits& rema
     Wide carry = 0;
     std::int64_t borrow = 0;
     for (size_t i = 0; i < n; ++i) {
-      const Wide product = qhat * v[i] + carry;
+      const Wide product = qhat * vLimbs[i] + carry;
       carry = product / kBase;
-      std::int64_t t = static_cast<std::int64_t>(u[i + j]) - static_cast<std::int64_t>(product % kBase) - borrow;
+      std::int64_t t = static_cast<std::int64_t>(uLimbs[i + j]) - static_cast<std::int64_t>(product % kBase) - borrow;
       borrow = t < 0 ? 1 : 0;
-      u[i + j] = static_cast<Limb>(t + borrow * static_cast<std::int64_t>(kBase));
+      uLimbs[i + j] = static_cast<Limb>(t + borrow * static_cast<std::int64_t>(kBase));
     }
-    std::int64_t t = static_cast<std::int64_t>(u[j + n]) - static_cast<std::int64_t>(carry) - borrow;
+    std::int64_t t = static_cast<std::int64_t>(uLimbs[j + n]) - static_cast<std::int64_t>(carry) - borrow;
     if (t < 0) {
       // The estimate was one too large: add the divisor back.
       --qhat;
       Wide back = 0;
       for (size_t i = 0; i < n; ++i) {
-        const Wide sum = Wide{u[i + j]} + v[i] + back;
-        u[i + j] = static_cast<Limb>(sum % kBase);
+        const Wide sum = Wide{uLimbs[i + j]} + vLimbs[i] + back;
+        uLimbs[i + j] = static_cast<Limb>(sum % kBase);
         back = sum / kBase;
       }
       t += static_cast<std::int64_t>(back);
     }
-    u[j + n] = static_cast<Limb>(t);
-    quotient[j] = static_cast<Limb>(qhat);
+    uLimbs[j + n] = static_cast<Limb>(t);
+    qLimbs[j] = static_cast<Limb>(qhat);
   }
   CBigInteger::Clean(quotient);
   u.resize(n);
@@ -433,33 +439,43 @@ int CBigInteger::Compare(const Digits& a, const Digits& b) {
 
 void CBigInteger::Add(Digits& a, const Digits& b) {
   if (a.size() < b.size()) a.resize(b.size(), 0);
+  Limb* const pa = a.data();
+  const Limb* const pb = b.data();
+  const size_t sizeA = a.size();
+  const size_t sizeB = b.size();
   Limb carry = 0;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (i >= b.size() && carry == 0) break;
-    Limb sum = a[i] + carry + (i < b.size() ? b[i] : 0);
+  for (size_t i = 0; i < sizeA; ++i) {
+    if (i >= sizeB && carry == 0) break;
+    Limb sum = pa[i] + carry + (i < sizeB ? pb[i] : 0);
     carry = sum >= kBase ? 1 : 0;
-    a[i] = sum - carry * kBase;
+    pa[i] = sum - carry * kBase;
   }
   if (carry) a.push_back(carry);
   Clean(a);
 }
 
 void CBigInteger::Subtract(Digits& a, const Digits& b) {
+  Limb* const pa = a.data();
+  const Limb* const pb = b.data();
+  const size_t sizeA = a.size();
+  const size_t sizeB = b.size();
   Limb borrow = 0;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (i >= b.size() && borrow == 0) break;
-    const Limb take = borrow + (i < b.size() ? b[i] : 0);
-    borrow = a[i] < take ? 1 : 0;
-    a[i] = a[i] + borrow * kBase - take;
+  for (size_t i = 0; i < sizeA; ++i) {
+    if (i >= sizeB && borrow == 0) break;
+    const Limb take = borrow + (i < sizeB ? pb[i] : 0);
+    borrow = pa[i] < take ? 1 : 0;
+    pa[i] = pa[i] + borrow * kBase - take;
   }
   Clean(a);
 }
 
 void CBigInteger::Multiply(Digits& a, std::uint32_t factor) {
   Wide carry = 0;
-  for (Limb& limb : a) {
-    const Wide product = Wide{limb} * factor + carry;
-    limb = static_cast<Limb>(product % kBase);
+  Limb* const end = a.end();
+  for (Limb* limb = a.begin(); limb != end; ++limb) {
+    Limb& digit = *limb;
+    const Wide product = Wide{digit} * factor + carry;
+    digit = static_cast<Limb>(product % kBase);
     carry = product / kBase;
   }
   for (; carry != 0; carry /= kBase) a.push_back(static_cast<Limb>(carry % kBase));
@@ -471,15 +487,18 @@ CBigInteger::Digits CBigInteger::Multiply(const Digits& a, const Digits& b) {
   const size_t sizeB = SignificantSize(b);
   if (sizeA == 0 || sizeB == 0) return Digits{0};
   Digits product(sizeA + sizeB, 0);
+  Limb* const out = product.data();
+  const Limb* const pa = a.data();
+  const Limb* const pb = b.data();
   for (size_t i = 0; i < sizeA; ++i) {
     Wide carry = 0;
-    const Wide left = a[i];
+    const Wide left = pa[i];
     for (size_t j = 0; j < sizeB; ++j) {
-      const Wide current = product[i + j] + left * b[j] + carry;
-      product[i + j] = static_cast<Limb>(current % kBase);
+      const Wide current = out[i + j] + left * pb[j] + carry;
+      out[i + j] = static_cast<Limb>(current % kBase);
       carry = current / kBase;
     }
-    product[i + sizeB] = static_cast<Limb>(carry);
+    out[i + sizeB] = static_cast<Limb>(carry);
   }
   Clean(product);
   return product;

@@ -100,13 +100,17 @@ bool ScanPlainDecimal(const char* s, PlainDecimal& out) {
   const char* p = s;
   if (*p == '-' || *p == '+') out.negative = *p++ == '-';
   const char* digits = p;
-  for (; IsDigit(*p); ++p) out.integer = out.integer * 10 + static_cast<std::uint64_t>(*p - '0');
-  if (static_cast<size_t>(p - digits) > kMaxPlainDigits) return false;
+  for (; IsDigit(*p); ++p) {
+    if (static_cast<size_t>(p - digits) == kMaxPlainDigits) return false;
+    out.integer = out.integer * 10 + static_cast<std::uint64_t>(*p - '0');
+  }
   if (*p == '.') {
     digits = ++p;
-    for (; IsDigit(*p); ++p) out.fraction = out.fraction * 10 + static_cast<std::uint64_t>(*p - '0');
+    for (; IsDigit(*p); ++p) {
+      if (static_cast<size_t>(p - digits) == kMaxPlainDigits) return false;
+      out.fraction = out.fraction * 10 + static_cast<std::uint64_t>(*p - '0');
+    }
     out.fractionDigits = static_cast<int>(p - digits);
-    if (static_cast<size_t>(out.fractionDigits) > kMaxPlainDigits) return false;
   }
   out.scanned = *p == '\0';
   return out.scanned;
