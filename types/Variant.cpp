@@ -97,7 +97,9 @@ thread_local ShelfState t_shelves{};
 template <class T>
 void FreeShelf(ShelfState& state) {
   constexpr int shelf = ShelfOf<T>();
-  while (state.counts[shelf] > 0) std::unique_ptr<T>(static_cast<T*>(state.items[shelf][--state.counts[shelf]]));
+  while (state.counts[shelf] > 0) {
+    const std::unique_ptr<T> value(static_cast<T*>(state.items[shelf][--state.counts[shelf]]));
+  }
 }
 
 struct ShelfReaper {
@@ -179,10 +181,13 @@ void DeleteAs(void* p) {
 template <class T>
 void* CopyAs(const void* p) {
   if (!p) return nullptr;
-  if constexpr (!kShelved<T>) return std::make_unique<T>(*static_cast<const T*>(p)).release();
-  std::unique_ptr<T> copy = Fresh<T>();
-  *copy = *static_cast<const T*>(p);
-  return copy.release();
+  if constexpr (kShelved<T>) {
+    std::unique_ptr<T> copy = Fresh<T>();
+    *copy = *static_cast<const T*>(p);
+    return copy.release();
+  } else {
+    return std::make_unique<T>(*static_cast<const T*>(p)).release();
+  }
 }
 
 const char* const kTypeTokens[] = {
@@ -300,31 +305,37 @@ namespace {
 // variant only once nothing can throw any more.
 template <class T>
 void* NewOwned(const T& value) {
-  if constexpr (!kShelved<T>) return std::make_unique<T>(value).release();
-  std::unique_ptr<T> owned = Fresh<T>();
-  if constexpr (std::is_same_v<T, std::string>)
-    owned->assign(value);  // keeps the reused buffer
-  else
-    *owned = value;
-  return owned.release();
+  if constexpr (kShelved<T>) {
+    std::unique_ptr<T> owned = Fresh<T>();
+    if constexpr (std::is_same_v<T, std::string>)
+      owned->assign(value);  // keeps the reused buffer
+    else
+      *owned = value;
+    return owned.release();
+  } else {
+    return std::make_unique<T>(value).release();
+  }
 }
 
 // A value made for the variant alone moves into its storage.
 template <class T>
 void* NewOwnedFrom(T&& value) {
   static_assert(!std::is_reference_v<T>, "only values made for the variant move in");
-  if constexpr (!kShelved<T>) return std::make_unique<T>(std::move(value)).release();
-  std::unique_ptr<T> owned = Fresh<T>();
-  if constexpr (std::is_same_v<T, std::string>) {
-    // A short string copies into the reused buffer; a longer one brings its own.
-    if (value.size() <= owned->capacity())
-      owned->assign(value);
-    else
+  if constexpr (kShelved<T>) {
+    std::unique_ptr<T> owned = Fresh<T>();
+    if constexpr (std::is_same_v<T, std::string>) {
+      // A short string copies into the reused buffer; a longer one brings its own.
+      if (value.size() <= owned->capacity())
+        owned->assign(value);
+      else
+        *owned = std::move(value);
+    } else {
       *owned = std::move(value);
+    }
+    return owned.release();
   } else {
-    *owned = std::move(value);
+    return std::make_unique<T>(std::move(value)).release();
   }
-  return owned.release();
 }
 
 template <class T>
