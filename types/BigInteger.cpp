@@ -396,18 +396,21 @@ CBigInteger CBigInteger::Pow10(unsigned int n) {
 
 // ---- comparison ------------------------------------------------------------
 
+int CBigInteger::CompareTo(const CBigInteger& other) const {
+  // Signs first (a zero has none), then magnitudes, reversed below zero.
+  const bool negative = IsNegative();
+  if (negative != other.IsNegative()) return negative ? -1 : 1;
+  const int order = Compare(m_digits, other.m_digits);
+  return negative ? -order : order;
+}
+
 bool CBigInteger::operator==(const CBigInteger& other) const {
   return Compare(m_digits, other.m_digits) == 0 && (IsZero() || m_sign == other.m_sign);
 }
 
 bool CBigInteger::operator!=(const CBigInteger& other) const { return !(*this == other); }
 
-bool CBigInteger::operator<(const CBigInteger& other) const {
-  const bool negative = IsNegative();
-  if (negative != other.IsNegative()) return negative;
-  const int order = Compare(m_digits, other.m_digits);
-  return negative ? order > 0 : order < 0;
-}
+bool CBigInteger::operator<(const CBigInteger& other) const { return CompareTo(other) < 0; }
 
 bool CBigInteger::operator<=(const CBigInteger& other) const { return !(other < *this); }
 bool CBigInteger::operator>(const CBigInteger& other) const { return other < *this; }

@@ -385,15 +385,11 @@ CDecimal CDecimal::GetNegative() const {
 
 int CDecimal::CompareTo(const CDecimal& other) const {
   // Integer parts decide on their own: the fraction never reaches a unit.
-  if (m_integer != other.m_integer) return m_integer < other.m_integer ? -1 : 1;
-  if (m_divider == other.m_divider) {
-    if (m_fraction == other.m_fraction) return 0;
-    return m_fraction < other.m_fraction ? -1 : 1;
-  }
+  if (const int order = m_integer.CompareTo(other.m_integer)) return order;
+  if (m_divider == other.m_divider) return m_fraction.CompareTo(other.m_fraction);
   const CBigInteger left = Scaled(std::max(m_divider, other.m_divider));
   const CBigInteger right = other.Scaled(std::max(m_divider, other.m_divider));
-  if (left == right) return 0;
-  return left < right ? -1 : 1;
+  return left.CompareTo(right);
 }
 
 bool CDecimal::operator==(const CDecimal& other) const { return CompareTo(other) == 0; }

@@ -253,6 +253,8 @@ class KOXML_API CBigInteger {
 
   bool IsZero() const;
   bool IsNegative() const;
+  // -1, 0 or 1 as this value is below, equal to or above other.
+  int CompareTo(const CBigInteger& other) const;
   void FixZeroSign();
   void AddSigned(std::int32_t sign, const Digits& digits);
   void MultiplyPow10(unsigned int n);
