@@ -243,7 +243,7 @@ TEST(Decimal, PlainTextReadsLikeTheGeneralScan) {
   EXPECT_TRUE(ParseError("-1x", Position(2, "-1x")));
 }
 
-TEST(Decimal, PlainTextRespectsAFewerKeptFractionDigits) {
+TEST(Decimal, PlainTextRespectsFewerKeptFractionDigits) {
   const MaxDividerScope scope(3);
   std::mt19937_64 rng(13);
   ExpectPlainTextReadsLikeGeneralScan(rng);
