@@ -1,6 +1,7 @@
 #include "KoXmlLib10/BigInteger.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <iterator>
 #include <string_view>
@@ -56,10 +57,13 @@ void BuildFromDigitText(std::string_view text, Digits& v) {
 
 // v /= divisor in place; returns the remainder. divisor must not be 0.
 Limb DivideByLimb(Digits& v, Limb divisor) {
+  // Loops work on raw limb pointers: a store through Digits' accessors could
+  // alias its size fields, which would be reloaded on every step.
+  Limb* limbs = v.data();
   Wide remainder = 0;
   for (size_t i = v.size(); i-- > 0;) {
-    const Wide current = v[i] + remainder * kBase;
-    v[i] = static_cast<Limb>(current / divisor);
+    const Wide current = limbs[i] + remainder * kBase;
+    limbs[i] = static_cast<Limb>(current / divisor);
     remainder = current % divisor;
   }
   CBigInteger::Clean(v);
@@ -83,13 +87,16 @@ void DivideLong(const Digits& a, const Digits& b, Digits& quotient, Digits& rema
   v.resize(n, 0);
 
   quotient.assign(m + 1, 0);
-  const Wide vTop = v[n - 1];
-  const Wide vNext = v[n - 2];
+  Limb* const uLimbs = u.data();
+  const Limb* const vLimbs = v.data();
+  Limb* const qLimbs = quotient.data();
+  const Wide vTop = vLimbs[n - 1];
+  const Wide vNext = vLimbs[n - 2];
   for (size_t j = m + 1; j-- > 0;) {
-    const Wide top = Wide{u[j + n]} * kBase + u[j + n - 1];
+    const Wide top = Wide{uLimbs[j + n]} * kBase + uLimbs[j + n - 1];
     Wide qhat = top / vTop;
     Wide rhat = top % vTop;
-    while (qhat >= kBase || qhat * vNext > rhat * kBase + u[j + n - 2]) {
+    while (qhat >= kBase || qhat * vNext > rhat * kBase + uLimbs[j + n - 2]) {
       --qhat;
       rhat += vTop;
       if (rhat >= kBase) break;
@@ -98,26 +105,26 @@ void DivideLong(const Digits& a, const Digits& b, Digits& quotient, Digits& rema
     Wide carry = 0;
     std::int64_t borrow = 0;
     for (size_t i = 0; i < n; ++i) {
-      const Wide product = qhat * v[i] + carry;
+      const Wide product = qhat * vLimbs[i] + carry;
       carry = product / kBase;
-      std::int64_t t = static_cast<std::int64_t>(u[i + j]) - static_cast<std::int64_t>(product % kBase) - borrow;
+      std::int64_t t = static_cast<std::int64_t>(uLimbs[i + j]) - static_cast<std::int64_t>(product % kBase) - borrow;
       borrow = t < 0 ? 1 : 0;
-      u[i + j] = static_cast<Limb>(t + borrow * static_cast<std::int64_t>(kBase));
+      uLimbs[i + j] = static_cast<Limb>(t + borrow * static_cast<std::int64_t>(kBase));
     }
-    std::int64_t t = static_cast<std::int64_t>(u[j + n]) - static_cast<std::int64_t>(carry) - borrow;
+    std::int64_t t = static_cast<std::int64_t>(uLimbs[j + n]) - static_cast<std::int64_t>(carry) - borrow;
     if (t < 0) {
       // The estimate was one too large: add the divisor back.
       --qhat;
       Wide back = 0;
       for (size_t i = 0; i < n; ++i) {
-        const Wide sum = Wide{u[i + j]} + v[i] + back;
-        u[i + j] = static_cast<Limb>(sum % kBase);
+        const Wide sum = Wide{uLimbs[i + j]} + vLimbs[i] + back;
+        uLimbs[i + j] = static_cast<Limb>(sum % kBase);
         back = sum / kBase;
       }
       t += static_cast<std::int64_t>(back);
     }
-    u[j + n] = static_cast<Limb>(t);
-    quotient[j] = static_cast<Limb>(qhat);
+    uLimbs[j + n] = static_cast<Limb>(t);
+    qLimbs[j] = static_cast<Limb>(qhat);
   }
   CBigInteger::Clean(quotient);
   u.resize(n);
@@ -165,12 +172,6 @@ CBigInteger::CBigInteger(const char* s) : m_sign(1), m_digits{0} { Parse(s); }
 
 CBigInteger::CBigInteger(const CDecimal& d) : CBigInteger(d.ToBigInteger()) {}
 
-CBigInteger::CBigInteger(const CBigInteger& other) = default;
-CBigInteger::CBigInteger(CBigInteger&& other) noexcept = default;
-CBigInteger& CBigInteger::operator=(const CBigInteger& other) = default;
-CBigInteger& CBigInteger::operator=(CBigInteger&& other) noexcept = default;
-CBigInteger::~CBigInteger() = default;
-
 CBigInteger::CBigInteger(std::int32_t sign, Digits&& digits) : m_sign(sign), m_digits(std::move(digits)) {
   Clean(m_digits);
   FixZeroSign();
@@ -179,6 +180,18 @@ CBigInteger::CBigInteger(std::int32_t sign, Digits&& digits) : m_sign(sign), m_d
 // ---- text ------------------------------------------------------------------
 
 void CBigInteger::Parse(const char* s) {
+  // Plain short text ("4", "-120"): an optional "-" and up to 18 digits.
+  if (s) {
+    const char* p = s + (*s == '-' ? 1 : 0);
+    const char* digits = p;
+    unsigned long long value = 0;
+    for (; *p >= '0' && *p <= '9' && p - digits <= 18; ++p) value = value * 10 + static_cast<unsigned long long>(*p - '0');
+    if (*p == '\0' && p - digits <= 18) {
+      BuildDWORDLONG(value, m_digits);
+      m_sign = *s == '-' && value != 0 ? -1 : 1;
+      return;
+    }
+  }
   std::string_view text = s ? s : "";
   if (text.find_first_not_of("0123456789+- \t\n\r") != std::string_view::npos) {
     *this = CDecimal(s).ToBigInteger();
@@ -200,6 +213,12 @@ void CBigInteger::Parse(const char* s) {
 }
 
 std::string CBigInteger::ToString() const {
+  if (m_digits.size() == 1) {
+    char buffer[kLimbDigits + 2];
+    char* p = buffer;
+    if (IsNegative()) *p++ = '-';
+    return std::string(buffer, std::to_chars(p, buffer + sizeof buffer, m_digits[0]).ptr);
+  }
   std::string text;
   if (IsNegative()) text = "-";
   AppendMagnitude(text);
@@ -377,18 +396,21 @@ CBigInteger CBigInteger::Pow10(unsigned int n) {
 
 // ---- comparison ------------------------------------------------------------
 
+int CBigInteger::CompareTo(const CBigInteger& other) const {
+  // Signs first (a zero has none), then magnitudes, reversed below zero.
+  const bool negative = IsNegative();
+  if (negative != other.IsNegative()) return negative ? -1 : 1;
+  const int order = Compare(m_digits, other.m_digits);
+  return negative ? -order : order;
+}
+
 bool CBigInteger::operator==(const CBigInteger& other) const {
   return Compare(m_digits, other.m_digits) == 0 && (IsZero() || m_sign == other.m_sign);
 }
 
 bool CBigInteger::operator!=(const CBigInteger& other) const { return !(*this == other); }
 
-bool CBigInteger::operator<(const CBigInteger& other) const {
-  const bool negative = IsNegative();
-  if (negative != other.IsNegative()) return negative;
-  const int order = Compare(m_digits, other.m_digits);
-  return negative ? order > 0 : order < 0;
-}
+bool CBigInteger::operator<(const CBigInteger& other) const { return CompareTo(other) < 0; }
 
 bool CBigInteger::operator<=(const CBigInteger& other) const { return !(other < *this); }
 bool CBigInteger::operator>(const CBigInteger& other) const { return other < *this; }
@@ -420,33 +442,43 @@ int CBigInteger::Compare(const Digits& a, const Digits& b) {
 
 void CBigInteger::Add(Digits& a, const Digits& b) {
   if (a.size() < b.size()) a.resize(b.size(), 0);
+  Limb* const pa = a.data();
+  const Limb* const pb = b.data();
+  const size_t sizeA = a.size();
+  const size_t sizeB = b.size();
   Limb carry = 0;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (i >= b.size() && carry == 0) break;
-    Limb sum = a[i] + carry + (i < b.size() ? b[i] : 0);
+  for (size_t i = 0; i < sizeA; ++i) {
+    if (i >= sizeB && carry == 0) break;
+    Limb sum = pa[i] + carry + (i < sizeB ? pb[i] : 0);
     carry = sum >= kBase ? 1 : 0;
-    a[i] = sum - carry * kBase;
+    pa[i] = sum - carry * kBase;
   }
   if (carry) a.push_back(carry);
   Clean(a);
 }
 
 void CBigInteger::Subtract(Digits& a, const Digits& b) {
+  Limb* const pa = a.data();
+  const Limb* const pb = b.data();
+  const size_t sizeA = a.size();
+  const size_t sizeB = b.size();
   Limb borrow = 0;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (i >= b.size() && borrow == 0) break;
-    const Limb take = borrow + (i < b.size() ? b[i] : 0);
-    borrow = a[i] < take ? 1 : 0;
-    a[i] = a[i] + borrow * kBase - take;
+  for (size_t i = 0; i < sizeA; ++i) {
+    if (i >= sizeB && borrow == 0) break;
+    const Limb take = borrow + (i < sizeB ? pb[i] : 0);
+    borrow = pa[i] < take ? 1 : 0;
+    pa[i] = pa[i] + borrow * kBase - take;
   }
   Clean(a);
 }
 
 void CBigInteger::Multiply(Digits& a, std::uint32_t factor) {
   Wide carry = 0;
-  for (Limb& limb : a) {
-    const Wide product = Wide{limb} * factor + carry;
-    limb = static_cast<Limb>(product % kBase);
+  Limb* const end = a.end();
+  for (Limb* limb = a.begin(); limb != end; ++limb) {
+    Limb& digit = *limb;
+    const Wide product = Wide{digit} * factor + carry;
+    digit = static_cast<Limb>(product % kBase);
     carry = product / kBase;
   }
   for (; carry != 0; carry /= kBase) a.push_back(static_cast<Limb>(carry % kBase));
@@ -458,15 +490,18 @@ CBigInteger::Digits CBigInteger::Multiply(const Digits& a, const Digits& b) {
   const size_t sizeB = SignificantSize(b);
   if (sizeA == 0 || sizeB == 0) return Digits{0};
   Digits product(sizeA + sizeB, 0);
+  Limb* const out = product.data();
+  const Limb* const pa = a.data();
+  const Limb* const pb = b.data();
   for (size_t i = 0; i < sizeA; ++i) {
     Wide carry = 0;
-    const Wide left = a[i];
+    const Wide left = pa[i];
     for (size_t j = 0; j < sizeB; ++j) {
-      const Wide current = product[i + j] + left * b[j] + carry;
-      product[i + j] = static_cast<Limb>(current % kBase);
+      const Wide current = out[i + j] + left * pb[j] + carry;
+      out[i + j] = static_cast<Limb>(current % kBase);
       carry = current / kBase;
     }
-    product[i + sizeB] = static_cast<Limb>(carry);
+    out[i + sizeB] = static_cast<Limb>(carry);
   }
   Clean(product);
   return product;
@@ -544,11 +579,14 @@ void CBigInteger::BuildDouble(double value, Digits& v) {
 }
 
 void CBigInteger::BuildDWORDLONG(unsigned long long value, Digits& v) {
-  v.clear();
-  do {
-    v.push_back(static_cast<Limb>(value % kBase));
-    value /= kBase;
-  } while (value != 0);
+  if (value < kBase) {
+    v.assign(1, static_cast<Limb>(value));
+    return;
+  }
+  Limb limbs[3];  // 2^64 < 10^27
+  size_t count = 0;
+  for (; value != 0; value /= kBase) limbs[count++] = static_cast<Limb>(value % kBase);
+  v.assign(limbs, limbs + count);
 }
 
 }  // namespace KoXmlLib10

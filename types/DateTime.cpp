@@ -630,8 +630,8 @@ void AppendPadded(std::string& out, unsigned int value, unsigned int width) {
 }  // namespace
 
 std::string CDateTime::FieldsToString() const {
+  // No reserve: the kinds without a time part fit the string's inline room.
   std::string text;
-  text.reserve(40);
   const auto year = [&] {
     if (m_year < 0) text += '-';
     AppendPadded(text, static_cast<unsigned int>(std::abs(m_year)), 4);

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <charconv>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -79,6 +82,40 @@ DecimalText ScanDecimal(const char* s) {
   return scanned;
 }
 
+// Text that the general scan would read as plain digits: an optional leading
+// sign, up to 18 integer digits, and optionally a point and up to 18 fraction
+// digits. Each run then fits a 64-bit integer and needs no digit strings.
+struct PlainDecimal {
+  std::uint64_t integer = 0;
+  std::uint64_t fraction = 0;
+  int fractionDigits = 0;
+  bool negative = false;
+  bool scanned = false;
+};
+
+constexpr size_t kMaxPlainDigits = 18;
+
+bool ScanPlainDecimal(const char* s, PlainDecimal& out) {
+  if (!s) return false;
+  const char* p = s;
+  if (*p == '-' || *p == '+') out.negative = *p++ == '-';
+  const char* digits = p;
+  for (; IsDigit(*p); ++p) {
+    if (static_cast<size_t>(p - digits) == kMaxPlainDigits) return false;
+    out.integer = out.integer * 10 + static_cast<std::uint64_t>(*p - '0');
+  }
+  if (*p == '.') {
+    digits = ++p;
+    for (; IsDigit(*p); ++p) {
+      if (static_cast<size_t>(p - digits) == kMaxPlainDigits) return false;
+      out.fraction = out.fraction * 10 + static_cast<std::uint64_t>(*p - '0');
+    }
+    out.fractionDigits = static_cast<int>(p - digits);
+  }
+  out.scanned = *p == '\0';
+  return out.scanned;
+}
+
 // The text CDecimal(double) parses: 13 fraction digits, and the newline is
 // skipped as whitespace.
 std::string PrintDouble(double d) {
@@ -136,12 +173,6 @@ CDecimal::CDecimal(CBigInteger&& scaled, int divider)
       m_divider(divider) {
   Finish();
 }
-
-CDecimal::CDecimal(const CDecimal& other) = default;
-CDecimal::CDecimal(CDecimal&& other) noexcept = default;
-CDecimal& CDecimal::operator=(const CDecimal& other) = default;
-CDecimal& CDecimal::operator=(CDecimal&& other) noexcept = default;
-CDecimal::~CDecimal() = default;
 
 // ---- internal representation -----------------------------------------------
 
@@ -207,6 +238,28 @@ void CDecimal::Rationalise() {
 void CDecimal::Parse(const char* s) { *this = FromText(s); }
 
 CDecimal CDecimal::FromText(const char* s) {
+  PlainDecimal plain;
+  if (ScanPlainDecimal(s, plain)) {
+    // The parts as the general path leaves them: fraction trailing zeros
+    // dropped down to one digit, zero parts unsigned.
+    while (plain.fractionDigits > 1 && plain.fraction % 10 == 0) {
+      plain.fraction /= 10;
+      --plain.fractionDigits;
+    }
+  }
+  // More fraction digits than are kept need the general path's rounding.
+  if (plain.scanned && (plain.fraction == 0 || plain.fractionDigits <= MaxDivider())) {
+    const std::int32_t sign = plain.negative ? -1 : 1;
+    CDecimal value;
+    CBigInteger::BuildDWORDLONG(plain.integer, value.m_integer.m_digits);
+    value.m_integer.m_sign = plain.integer != 0 ? sign : 1;
+    if (plain.fraction != 0) {
+      CBigInteger::BuildDWORDLONG(plain.fraction, value.m_fraction.m_digits);
+      value.m_fraction.m_sign = sign;
+      value.m_divider = plain.fractionDigits;
+    }
+    return value;
+  }
   const DecimalText text = ScanDecimal(s);
   const int fractionDigits = static_cast<int>(text.fractionDigits.size());
   CBigInteger::Digits magnitude;
@@ -228,6 +281,27 @@ CDecimal CDecimal::FromText(const char* s) {
 
 std::string CDecimal::ToString() const {
   if (m_fraction.IsZero()) return m_integer.ToString();
+  // One limb per part and at most nine fraction digits: the everyday value,
+  // printed without intermediate strings.
+  const CBigInteger::Digits& integerLimbs = m_integer.m_digits;
+  const CBigInteger::Digits& fractionLimbs = m_fraction.m_digits;
+  if (integerLimbs.size() == 1 && fractionLimbs.size() == 1 && m_divider <= static_cast<int>(CBigInteger::LIMB_DIGITS)) {
+    char buffer[2 * CBigInteger::LIMB_DIGITS + 2];
+    char* p = buffer;
+    if (IsNegative()) *p++ = '-';
+    p = std::to_chars(p, buffer + sizeof buffer, integerLimbs[0]).ptr;
+    *p++ = '.';
+    char* fractionStart = p;
+    p = std::to_chars(p, buffer + sizeof buffer, fractionLimbs[0]).ptr;
+    const int written = static_cast<int>(p - fractionStart);
+    if (written < m_divider) {
+      const int pad = m_divider - written;
+      std::memmove(fractionStart + pad, fractionStart, static_cast<size_t>(written));
+      std::memset(fractionStart, '0', static_cast<size_t>(pad));
+      p += pad;
+    }
+    return std::string(buffer, p);
+  }
   std::string text = IsNegative() ? "-" : "";
   m_integer.AppendMagnitude(text);
   text += '.';
@@ -311,15 +385,11 @@ CDecimal CDecimal::GetNegative() const {
 
 int CDecimal::CompareTo(const CDecimal& other) const {
   // Integer parts decide on their own: the fraction never reaches a unit.
-  if (m_integer != other.m_integer) return m_integer < other.m_integer ? -1 : 1;
-  if (m_divider == other.m_divider) {
-    if (m_fraction == other.m_fraction) return 0;
-    return m_fraction < other.m_fraction ? -1 : 1;
-  }
+  if (const int order = m_integer.CompareTo(other.m_integer)) return order;
+  if (m_divider == other.m_divider) return m_fraction.CompareTo(other.m_fraction);
   const CBigInteger left = Scaled(std::max(m_divider, other.m_divider));
   const CBigInteger right = other.Scaled(std::max(m_divider, other.m_divider));
-  if (left == right) return 0;
-  return left < right ? -1 : 1;
+  return left.CompareTo(right);
 }
 
 bool CDecimal::operator==(const CDecimal& other) const { return CompareTo(other) == 0; }

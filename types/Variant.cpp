@@ -1,5 +1,6 @@
 #include "KoXmlLib10/Variant.h"
 
+#include <array>
 #include <cstring>
 #include <memory>
 #include <type_traits>
@@ -54,14 +55,139 @@ constexpr Storage StorageFor() {
   return Storage::None;
 }
 
+// ---- per-thread reuse of heap values ------------------------------------------
+//
+// Reading or writing a document sets and clears a short-lived variant for
+// every value, and each heap kind costs an allocation per value (strings a
+// second one for their characters). Released values are kept on a small
+// per-thread shelf and handed to the next setter of the same kind, which
+// assigns into them (a string keeps its buffer). Shelves hold a few values
+// each, never a long string, and are freed when the thread ends; variants
+// destroyed after that (thread-local or static variants of the caller)
+// simply delete their values.
+
+constexpr size_t kShelfSize = 8;
+// A string with more room than this is freed, not kept.
+constexpr size_t kKeptStringCapacity = 256;
+
+template <class T>
+constexpr int ShelfOf() {
+  if constexpr (std::is_same_v<T, std::string>) return 0;
+  if constexpr (std::is_same_v<T, CDecimal>) return 1;
+  if constexpr (std::is_same_v<T, CBigInteger>) return 2;
+  if constexpr (std::is_same_v<T, CDateTime>) return 3;
+  return -1;
+}
+constexpr int kShelfCount = 4;
+
+template <class T>
+constexpr bool kShelved = ShelfOf<T>() >= 0;
+
+// The shelves themselves are plain data, so that reaching them costs one
+// thread-local lookup and no initialisation check. Each slot owns the
+// object it points to; the reaper below frees what is left at thread exit.
+struct ShelfState {
+  void* items[kShelfCount][kShelfSize];
+  unsigned char counts[kShelfCount];
+  bool reaperArmed;
+  bool closed;  // the thread is ending: nothing more is kept
+};
+thread_local ShelfState t_shelves{};
+
+template <class T>
+void FreeShelf(ShelfState& state) {
+  constexpr int shelf = ShelfOf<T>();
+  while (state.counts[shelf] > 0) {
+    const std::unique_ptr<T> value(static_cast<T*>(state.items[shelf][--state.counts[shelf]]));
+  }
+}
+
+struct ShelfReaper {
+  ShelfReaper() = default;
+  ShelfReaper(const ShelfReaper&) = delete;
+  ShelfReaper& operator=(const ShelfReaper&) = delete;
+  ~ShelfReaper() {
+    ShelfState& state = t_shelves;
+    state.closed = true;
+    FreeShelf<std::string>(state);
+    FreeShelf<CDecimal>(state);
+    FreeShelf<CBigInteger>(state);
+    FreeShelf<CDateTime>(state);
+  }
+};
+
+// Keeps a released value; false when there is no room (or the thread is
+// ending), and the caller frees it.
+template <class T>
+bool Shelve(std::unique_ptr<T>& value) {
+  constexpr int shelf = ShelfOf<T>();
+  ShelfState& state = t_shelves;
+  // Only a thread whose reaper is armed keeps values: code that runs once
+  // thread-local objects are gone (static destructors) frees them instead.
+  if (!state.reaperArmed || state.closed || state.counts[shelf] == kShelfSize) return false;
+  state.items[shelf][state.counts[shelf]++] = value.release();
+  return true;
+}
+
+template <class T>
+std::unique_ptr<T> Unshelve() {
+  constexpr int shelf = ShelfOf<T>();
+  ShelfState& state = t_shelves;
+  if (state.counts[shelf] == 0) {
+    if (!state.reaperArmed && !state.closed) {
+      // Built on the thread's first setter, so its destructor runs when the thread ends.
+      thread_local ShelfReaper reaper;
+      state.reaperArmed = true;
+    }
+    return nullptr;
+  }
+  return std::unique_ptr<T>(static_cast<T*>(state.items[shelf][--state.counts[shelf]]));
+}
+
+// A value of kind T to assign into: a shelved one if there is one.
+template <class T>
+std::unique_ptr<T> Fresh() {
+  if constexpr (kShelved<T>) {
+    if (std::unique_ptr<T> value = Unshelve<T>()) return value;
+  }
+  return std::make_unique<T>();
+}
+
+// Empties a released value for reuse; false when it is not worth keeping.
+bool Reset(std::string& value) {
+  if (value.capacity() > kKeptStringCapacity) return false;
+  value.clear();
+  return true;
+}
+// Moving a fresh number in frees limbs that were kept on the heap.
+bool Reset(CDecimal& value) {
+  value = CDecimal();
+  return true;
+}
+bool Reset(CBigInteger& value) {
+  value = CBigInteger();
+  return true;
+}
+bool Reset(CDateTime&) { return true; }
+
 template <class T>
 void DeleteAs(void* p) {
-  delete static_cast<T*>(p);
+  std::unique_ptr<T> value(static_cast<T*>(p));
+  if constexpr (kShelved<T>) {
+    if (value && Reset(*value)) Shelve(value);
+  }
 }
 
 template <class T>
 void* CopyAs(const void* p) {
-  return p ? new T(*static_cast<const T*>(p)) : nullptr;
+  if (!p) return nullptr;
+  if constexpr (kShelved<T>) {
+    std::unique_ptr<T> copy = Fresh<T>();
+    *copy = *static_cast<const T*>(p);
+    return copy.release();
+  } else {
+    return std::make_unique<T>(*static_cast<const T*>(p)).release();
+  }
 }
 
 const char* const kTypeTokens[] = {
@@ -179,13 +305,37 @@ namespace {
 // variant only once nothing can throw any more.
 template <class T>
 void* NewOwned(const T& value) {
-  return std::make_unique<T>(value).release();
+  if constexpr (kShelved<T>) {
+    std::unique_ptr<T> owned = Fresh<T>();
+    if constexpr (std::is_same_v<T, std::string>)
+      owned->assign(value);  // keeps the reused buffer
+    else
+      *owned = value;
+    return owned.release();
+  } else {
+    return std::make_unique<T>(value).release();
+  }
 }
 
 // A value made for the variant alone moves into its storage.
 template <class T>
 void* NewOwnedFrom(T&& value) {
-  return std::make_unique<T>(std::move(value)).release();
+  static_assert(!std::is_reference_v<T>, "only values made for the variant move in");
+  if constexpr (kShelved<T>) {
+    std::unique_ptr<T> owned = Fresh<T>();
+    if constexpr (std::is_same_v<T, std::string>) {
+      // A short string copies into the reused buffer; a longer one brings its own.
+      if (value.size() <= owned->capacity())
+        owned->assign(value);
+      else
+        *owned = std::move(value);
+    } else {
+      *owned = std::move(value);
+    }
+    return owned.release();
+  } else {
+    return std::make_unique<T>(std::move(value)).release();
+  }
 }
 
 template <class T>
@@ -212,11 +362,14 @@ void KoVariant::SetYear(unsigned short value) { StoreInPlace(ItemType_year, valu
 void KoVariant::SetMonth(unsigned char value) { StoreInPlace(ItemType_month, value); }
 void KoVariant::SetDay(unsigned char value) { StoreInPlace(ItemType_day, value); }
 
-void KoVariant::SetString(std::string value) {
-  StoreOwned(ItemType_string, std::make_unique<std::string>(std::move(value)).release());
-}
+void KoVariant::SetString(const std::string& value) { StoreOwned(ItemType_string, NewOwned(value)); }
+void KoVariant::SetString(std::string&& value) { StoreOwned(ItemType_string, NewOwnedFrom(std::move(value))); }
 void KoVariant::SetDecimal(const CDecimal& value) { StoreOwned(ItemType_decimal, NewOwned(value)); }
+void KoVariant::SetDecimal(CDecimal&& value) { StoreOwned(ItemType_decimal, NewOwnedFrom(std::move(value))); }
 void KoVariant::SetInteger(const CBigInteger& value) { StoreOwned(ItemType_integer, NewOwned(value)); }
+void KoVariant::SetInteger(CBigInteger&& value) {
+  StoreOwned(ItemType_integer, NewOwnedFrom(std::move(value)));
+}
 void KoVariant::SetDuration(const CDateTimeSpan& value) { StoreOwned(ItemType_duration, NewOwned(value)); }
 void KoVariant::SetDate(const CDateTime& value) { StoreOwned(ItemType_date, NewOwned(value)); }
 void KoVariant::SetDateTime(const CDateTime& value) { StoreOwned(ItemType_datetime, NewOwned(value)); }
@@ -279,6 +432,19 @@ CDateTime KoVariant::GetYearMonth() const { return OwnedOrDefault(Owned<CDateTim
 CDateTime KoVariant::GetMonthDay() const { return OwnedOrDefault(Owned<CDateTime>()); }
 CBinaryData KoVariant::GetBase64Binary() const { return OwnedOrDefault(Owned<CBinaryData>()); }
 CBinaryData KoVariant::GetHexBinary() const { return OwnedOrDefault(Owned<CBinaryData>()); }
+
+template <class T>
+T KoVariant::TakeOwned() {
+  T* held = m_nil ? nullptr : const_cast<T*>(Owned<T>());
+  if (!held) return T();
+  T value(std::move(*held));
+  *held = T();  // moved-from objects are valid but unspecified; make it the empty value
+  return value;
+}
+
+std::string KoVariant::TakeString() { return TakeOwned<std::string>(); }
+CDecimal KoVariant::TakeDecimal() { return TakeOwned<CDecimal>(); }
+CBigInteger KoVariant::TakeInteger() { return TakeOwned<CBigInteger>(); }
 
 CXmlObjectBase* KoVariant::GetXmlObject() const {
   if (StorageOf(m_type) != Storage::Reference || !m_pointer) return nullptr;
@@ -368,8 +534,8 @@ void KoVariant::FromString(const std::string& text, ItemType type,
     case ItemType_char: return SetChar(C::charFromString(t, rule));
     case ItemType_string: return SetString(C::stringFromString(t, rule));
     case ItemType_boolean: return SetBoolean(C::booleanFromString(t, rule));
-    case ItemType_decimal: return StoreOwned(ItemType_decimal, NewOwnedFrom(C::decimalFromString(t, rule)));
-    case ItemType_integer: return StoreOwned(ItemType_integer, NewOwnedFrom(C::integerFromString(t, rule)));
+    case ItemType_decimal: return SetDecimal(C::decimalFromString(t, rule));
+    case ItemType_integer: return SetInteger(C::integerFromString(t, rule));
     default: FailConversionType(type);
   }
 }

@@ -30,11 +30,13 @@ class KOXML_API CDecimal {
   // The value integerPart + fraction / 10^divider, brought to the invariants
   // above (a divider below 1 scales the fraction up instead).
   CDecimal(const CBigInteger& integerPart, const CBigInteger& fraction, int divider);
-  CDecimal(const CDecimal& other);
-  CDecimal(CDecimal&& other) noexcept;
-  CDecimal& operator=(const CDecimal& other);
-  CDecimal& operator=(CDecimal&& other) noexcept;
-  virtual ~CDecimal();
+  // Defined here so that the values of a document are copied and destroyed
+  // without a call into the library.
+  CDecimal(const CDecimal& other) = default;
+  CDecimal(CDecimal&& other) noexcept = default;
+  CDecimal& operator=(const CDecimal& other) = default;
+  CDecimal& operator=(CDecimal&& other) noexcept = default;
+  virtual ~CDecimal() = default;
 
   // Throws CKoInvalidValueException naming the position of the first bad
   // character; the value is unchanged then.

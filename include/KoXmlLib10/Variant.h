@@ -48,9 +48,18 @@ class KOXML_API KoVariant {
   void SetYear(unsigned short value);
   void SetMonth(unsigned char value);
   void SetDay(unsigned char value);
-  void SetString(std::string value);
+  // The string, decimal, integer and date kinds live on the heap; values
+  // released by this thread's variants are kept (a few of each kind) and
+  // reused by the next setter, so a short-lived variant seldom allocates.
+  // SetString takes a reference rather than a copy, so that a string copied
+  // in lands in a reused buffer; every call of the by-value form still fits.
+  void SetString(const std::string& value);
+  // Beyond the plain setters: a temporary moves in instead of being copied.
+  void SetString(std::string&& value);
   void SetDecimal(const CDecimal& value);
+  void SetDecimal(CDecimal&& value);
   void SetInteger(const CBigInteger& value);
+  void SetInteger(CBigInteger&& value);
   void SetDuration(const CDateTimeSpan& value);
   void SetDate(const CDateTime& value);
   void SetDateTime(const CDateTime& value);
@@ -101,6 +110,16 @@ class KOXML_API KoVariant {
   CXmlObjectBase* GetXmlObject() const;
   CXmlCollectionBase* GetXmlCollection() const;
 
+  // Beyond the plain getters: move the value out instead of copying it, for
+  // code that is done with the variant (a property setter). The variant
+  // keeps its type and nil flag and holds an empty value of the kind: the
+  // empty string, or zero. For another kind, or a nil variant, they give
+  // the default value like the getters and leave the variant alone.
+  //   m_description = value.TakeString();
+  std::string TakeString();
+  CDecimal TakeDecimal();
+  CBigInteger TakeInteger();
+
   bool IsNil() const;
   // True with a value, or when nil.
   bool IsValid() const;
@@ -125,6 +144,8 @@ class KOXML_API KoVariant {
   void StoreOwned(std::int32_t type, void* value);
   template <class T>
   const T* Owned() const;
+  template <class T>
+  T TakeOwned();
 
   bool m_nil;
   std::int32_t m_type;

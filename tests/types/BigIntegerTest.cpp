@@ -4,6 +4,8 @@
 #include <cmath>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <KoXmlLib10.h>
 
@@ -168,4 +170,89 @@ TEST(BigInteger, LimitsAreBuiltFromText) {
   EXPECT_EQ(Str(CBigInteger::MIN_LONGLONG), "-9223372036854775808");
   EXPECT_EQ(Str(CBigInteger::MAX_DOUBLE), "17" + std::string(307, '0'));
   EXPECT_EQ(Str(CBigInteger::MIN_DOUBLE), "-17" + std::string(307, '0'));
+}
+
+// Short digit text is read without the general scan; a trailing space sends
+// the same text through the general scan, which must agree in every case.
+TEST(BigInteger, ShortTextReadsLikeTheGeneralScan) {
+  std::mt19937_64 rng(7);
+  for (int i = 0; i < 2000; ++i) {
+    std::string text = rng() % 3 == 0 ? "-" : "";
+    const int digits = static_cast<int>(rng() % 21);
+    for (int d = 0; d < digits; ++d) text += static_cast<char>('0' + (d == 0 && rng() % 2 ? 0 : rng() % 10));
+    const CBigInteger quick(text.c_str());
+    const CBigInteger general((text + " ").c_str());
+    ASSERT_EQ(Str(quick), Str(general)) << text;
+    ASSERT_TRUE(quick == general) << text;
+    ASSERT_EQ(quick < CBigInteger(0), general < CBigInteger(0)) << text;
+  }
+  EXPECT_EQ(Str(CBigInteger("999999999999999999")), "999999999999999999");
+  EXPECT_EQ(Str(CBigInteger("9999999999999999999")), "9999999999999999999");
+  EXPECT_EQ(Str(CBigInteger("-18446744073709551616")), "-18446744073709551616");
+}
+
+// Up to four limbs live inside the value, more on the heap: copies, moves and
+// reuse must give the same results on both sides of that line.
+TEST(BigInteger, ValuesAcrossTheInlineLimitCopyAndMove) {
+  std::vector<CBigInteger> values;
+  for (unsigned int digits : {1u, 9u, 10u, 35u, 36u, 37u, 45u, 90u}) values.push_back(CBigInteger::Pow10(digits - 1));
+  for (size_t i = 0; i < values.size(); ++i) {
+    for (size_t j = 0; j < values.size(); ++j) {
+      CBigInteger target = values[i];
+      target = values[j];  // into storage of the other size
+      EXPECT_TRUE(target == values[j]);
+      CBigInteger moved(std::move(target));
+      EXPECT_TRUE(moved == values[j]);
+      target = values[i];  // a moved-from value is usable again
+      EXPECT_TRUE(target == values[i]);
+      target = std::move(moved);
+      EXPECT_TRUE(target == values[j]);
+      const CBigInteger& self = target;
+      target = self;
+      EXPECT_TRUE(target == values[j]);
+    }
+  }
+  // Growing in place past the inline room and shrinking back.
+  CBigInteger grow(1);
+  std::string expected = "1";
+  for (int i = 0; i < 60; ++i) {
+    grow *= CBigInteger(10);
+    expected += '0';
+    ASSERT_EQ(Str(grow), expected);
+  }
+  grow /= CBigInteger::Pow10(59);
+  EXPECT_EQ(Str(grow), "10");
+  EXPECT_EQ(Str(CBigInteger::Pow10(40) - CBigInteger::Pow10(40) + CBigInteger(7)), "7");
+}
+
+// The limb vector behaves as a vector does, and stays in the object while
+// four limbs suffice.
+TEST(BigInteger, LimbVectorOperations) {
+  using Digits = CBigInteger::Digits;
+  auto items = [](const Digits& v) { return std::vector<std::uint32_t>(v.begin(), v.end()); };
+  Digits v;
+  EXPECT_TRUE(v.empty());
+  const size_t inlineRoom = v.capacity();
+  v.assign(1, 7);
+  v.resize(3);
+  v.push_back(9);
+  EXPECT_EQ(items(v), (std::vector<std::uint32_t>{7, 0, 0, 9}));
+  EXPECT_EQ(v.capacity(), inlineRoom);  // no growth while the limbs fit
+  v.insert(v.begin(), 3, 1);
+  EXPECT_EQ(items(v), (std::vector<std::uint32_t>{1, 1, 1, 7, 0, 0, 9}));
+  v.erase(v.begin() + 1, v.begin() + 4);
+  EXPECT_EQ(items(v), (std::vector<std::uint32_t>{1, 0, 0, 9}));
+  v.assign(v.begin() + 2, v.end());  // from its own storage
+  EXPECT_EQ(items(v), (std::vector<std::uint32_t>{0, 9}));
+  Digits big(40, 5);
+  big.assign(big.begin() + 1, big.begin() + 31);
+  EXPECT_EQ(items(big), std::vector<std::uint32_t>(30, 5));
+  Digits moved(std::move(big));
+  EXPECT_EQ(moved.size(), 30u);
+  EXPECT_TRUE(big.empty());
+  big = moved;
+  v = std::move(moved);
+  EXPECT_EQ(items(v), items(big));
+  EXPECT_EQ(items(Digits{4, 5}), (std::vector<std::uint32_t>{4, 5}));
+  EXPECT_EQ(Digits{0}.back(), 0u);
 }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
 #include <string>
 
 #include <KoXmlLib10.h>
@@ -184,4 +186,83 @@ TEST(Decimal, ToStringWithPlacesRoundsHalfAwayFromZero) {
   EXPECT_EQ(places("2.5", 0), "3");
   EXPECT_EQ(places("-2.5", 0), "-3");
   EXPECT_EQ(places("-0.4", 0), "0");
+}
+
+namespace {
+
+// Sets the number of fraction digits kept for one scope.
+class MaxDividerScope {
+ public:
+  explicit MaxDividerScope(int value) : m_saved(CDecimal::m_maxDivider) { CDecimal::m_maxDivider = value; }
+  ~MaxDividerScope() { CDecimal::m_maxDivider = m_saved; }
+  MaxDividerScope(const MaxDividerScope&) = delete;
+  MaxDividerScope& operator=(const MaxDividerScope&) = delete;
+
+ private:
+  int m_saved;
+};
+
+std::string RandomDigits(std::mt19937_64& rng, int count) {
+  std::string digits;
+  for (int i = 0; i < count; ++i) digits += static_cast<char>('0' + (rng() % 4 == 0 ? 0 : rng() % 10));
+  return digits;
+}
+
+// Plain short text is read without the general scan; a trailing space sends
+// the same text through the general scan. Both must give the same value in
+// every observable way.
+void ExpectPlainTextReadsLikeGeneralScan(std::mt19937_64& rng) {
+  for (int i = 0; i < 3000; ++i) {
+    std::string text = rng() % 3 == 0 ? "-" : (rng() % 5 == 0 ? "+" : "");
+    text += RandomDigits(rng, static_cast<int>(rng() % 21));
+    if (rng() % 4 != 0) text += "." + RandomDigits(rng, static_cast<int>(rng() % 21));
+    const CDecimal quick(text.c_str());
+    const CDecimal general((text + " ").c_str());
+    ASSERT_EQ(quick.ToString(), general.ToString()) << text;
+    ASSERT_EQ(quick.ToString(2), general.ToString(2)) << text;
+    ASSERT_TRUE(quick == general) << text;
+    ASSERT_EQ(quick < CDecimal(0), general < CDecimal(0)) << text;
+    ASSERT_EQ((quick + CDecimal("0.001")).ToString(), (general + CDecimal("0.001")).ToString()) << text;
+  }
+}
+
+}  // namespace
+
+TEST(Decimal, PlainTextReadsLikeTheGeneralScan) {
+  std::mt19937_64 rng(11);
+  ExpectPlainTextReadsLikeGeneralScan(rng);
+  EXPECT_EQ(Str("320.20"), "320.2");
+  EXPECT_EQ(Str("-0.000"), "0");
+  EXPECT_EQ(Str("-.5"), "-0.5");
+  EXPECT_EQ(Str("+4."), "4");
+  EXPECT_EQ(Str("."), "0");
+  EXPECT_EQ(Str("0.000000001"), "0.000000001");
+  EXPECT_EQ(Str("-123456789.000000012"), "-123456789.000000012");
+  EXPECT_EQ(Str("999999999999999999.999999999999999999"), "999999999999999999.999999999999999999");
+  EXPECT_TRUE(ParseError("1.2.3", Position(3, "1.2.3")));
+  EXPECT_TRUE(ParseError("-1x", Position(2, "-1x")));
+}
+
+TEST(Decimal, PlainTextRespectsFewerKeptFractionDigits) {
+  const MaxDividerScope scope(3);
+  std::mt19937_64 rng(13);
+  ExpectPlainTextReadsLikeGeneralScan(rng);
+  EXPECT_EQ(Str("1.23456"), "1.235");
+  EXPECT_EQ(Str("1.2345"), "1.234");
+}
+
+// Canonical text (no leading zeros, no trailing fraction zeros) prints back
+// unchanged, whatever the sizes of its two parts.
+TEST(Decimal, CanonicalTextPrintsBackUnchanged) {
+  std::mt19937_64 rng(17);
+  for (int i = 0; i < 3000; ++i) {
+    std::string integer = RandomDigits(rng, static_cast<int>(rng() % 25));
+    integer.erase(0, std::min(integer.find_first_not_of('0'), integer.size()));
+    if (integer.empty()) integer = "0";
+    std::string fraction = RandomDigits(rng, static_cast<int>(rng() % 30));
+    fraction += static_cast<char>('1' + rng() % 9);
+    const std::string text = (rng() % 2 ? "-" : "") + integer + "." + fraction;
+    ASSERT_EQ(Str(text.c_str()), text);
+    ASSERT_EQ(CDecimal(text.c_str()).GetNegative().GetNegative().ToString(), text);
+  }
 }

@@ -4,6 +4,9 @@
 
 #include <cmath>
 #include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include "support/Throws.h"
 
@@ -251,4 +254,104 @@ TEST(SmartPtr, HoldsOneReference) {
   fresh->AddRef();
   EXPECT_EQ(fresh->Release(), 0);
   EXPECT_EQ(CCounted::live, 0);
+}
+
+TEST(Variant, TakeMovesTheValueOutAndLeavesAnEmptyOne) {
+  const std::string longText(200, 'x');
+  KoVariant value;
+  value.SetString(longText);
+  EXPECT_EQ(value.TakeString(), longText);
+  EXPECT_EQ(value.GetType(), "string");
+  EXPECT_FALSE(value.IsNil());
+  EXPECT_EQ(value.GetString(), "");
+  EXPECT_EQ(value.TakeString(), "");
+
+  value.SetDecimal(CDecimal("-12345678901234567890123456789012345678901.5"));
+  EXPECT_EQ(value.TakeDecimal().ToString(), "-12345678901234567890123456789012345678901.5");
+  EXPECT_EQ(value.GetType(), "decimal");
+  EXPECT_TRUE(value.GetDecimal() == CDecimal(0));
+
+  value.SetInteger(CBigInteger("-42"));
+  EXPECT_EQ(value.TakeInteger().ToString(), "-42");
+  EXPECT_EQ(value.ToString(nullptr), "0");
+
+  // Another kind, or a nil variant: the default value, and the variant stays as it was.
+  value.SetI4(9);
+  EXPECT_EQ(value.TakeString(), "");
+  EXPECT_EQ(value.TakeDecimal().ToString(), "0");
+  EXPECT_EQ(value.GetI4(), 9);
+  value.SetString("kept");
+  EXPECT_TRUE(value.TakeInteger() == CBigInteger(0));
+  EXPECT_EQ(value.GetString(), "kept");
+  value.SetNil();
+  EXPECT_EQ(value.TakeString(), "");
+  EXPECT_TRUE(value.IsNil());
+  EXPECT_EQ(value.GetType(), "string");
+}
+
+TEST(Variant, SettersCopyOrMoveAndReusedStorageHoldsNoOldValue) {
+  KoVariant value;
+  std::string source(100, 'a');
+  value.SetString(source);
+  EXPECT_EQ(source, std::string(100, 'a'));  // copied, not taken
+  value.SetString(std::move(source));
+  EXPECT_EQ(value.GetString(), std::string(100, 'a'));
+  CDecimal wide("123456789012345678901234567890123456789012345.25");
+  value.SetDecimal(std::move(wide));
+  EXPECT_EQ(value.ToString(nullptr), "123456789012345678901234567890123456789012345.25");
+  value.SetInteger(CBigInteger("98765432109876543210987654321098765432109876543210"));
+  EXPECT_EQ(value.ToString(nullptr), "98765432109876543210987654321098765432109876543210");
+
+  // Values released by one variant serve the next setter of the same kind:
+  // each must show only its own value, whatever the previous one was.
+  for (int round = 0; round < 3; ++round) {
+    std::vector<KoVariant> many(20);
+    for (size_t i = 0; i < many.size(); ++i) {
+      const std::string text(i * 13 % 300, static_cast<char>('a' + i % 26));
+      many[i].SetString(text);
+      ASSERT_EQ(many[i].GetString(), text);
+    }
+    for (size_t i = 0; i < many.size(); ++i) {
+      const std::string text = (i % 2 ? "-" : "") + std::string(1 + i * 7 % 60, '7') + ".5";
+      many[i].FromString(text, ItemType_decimal, kCollapse);
+      ASSERT_EQ(many[i].ToString(nullptr), text);
+      many[i].FromString(std::to_string(i), ItemType_integer, kCollapse);
+      ASSERT_EQ(many[i].ToString(nullptr), std::to_string(i));
+      many[i].FromString("2001-10-0" + std::to_string(1 + i % 9), ItemType_date, kCollapse);
+      ASSERT_EQ(many[i].ToString(nullptr), "2001-10-0" + std::to_string(1 + i % 9));
+    }
+    KoVariant copy = many[3];
+    EXPECT_EQ(copy.ToString(nullptr), "2001-10-04");
+  }
+}
+
+// Each thread keeps its own released values; variants may still be handed
+// between threads, and a thread-local variant outliving the thread's shelves
+// frees its value directly (the sanitizer builds check for leaks and races).
+TEST(Variant, ReusedStorageIsPerThread) {
+  auto work = [](int seed) {
+    thread_local KoVariant outlivesShelves;
+    outlivesShelves.SetString(std::string(40, 'q'));
+    KoVariant carried;
+    for (int i = 0; i < 2000; ++i) {
+      KoVariant value;
+      const std::string text = std::to_string(seed * 100000 + i) + std::string(i % 50, 'z');
+      value.SetString(text);
+      if (value.GetString() != text) return false;
+      value.FromString(std::to_string(seed) + "." + std::to_string(i), ItemType_decimal, kCollapse);
+      if (value.TakeDecimal().ToString() != CDecimal((std::to_string(seed) + "." + std::to_string(i)).c_str()).ToString())
+        return false;
+      if (i % 100 == 0) carried = value;
+    }
+    return outlivesShelves.GetString() == std::string(40, 'q');
+  };
+  std::vector<std::thread> threads;
+  std::vector<int> results(4, 0);
+  KoVariant handedOver;
+  handedOver.SetString(std::string(64, 'h'));
+  for (int t = 0; t < 4; ++t) threads.emplace_back([&, t] { results[t] = work(t + 1) ? 1 : 0; });
+  threads.emplace_back([moved = KoVariant(handedOver)]() mutable { moved.SetInvalid(); });
+  for (std::thread& thread : threads) thread.join();
+  for (int ok : results) EXPECT_EQ(ok, 1);
+  EXPECT_EQ(handedOver.GetString(), std::string(64, 'h'));
 }
