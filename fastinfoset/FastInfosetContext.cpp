@@ -1,6 +1,121 @@
 #include "KoXmlLib10/FastInfosetContext.h"
 
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
 namespace KoXmlLib10 {
+
+// ---- CFIIndexMap -------------------------------------------------------------
+
+namespace {
+
+constexpr size_t kInitialSlots = 16;
+
+uint64_t Load(const char* p, size_t n) {
+  uint64_t word = 0;
+  std::memcpy(&word, p, n);
+  return word;
+}
+
+// Keys are names and short values: a word at a time, then a final mix so
+// that the low bits (the slot) depend on every byte.
+uint32_t HashOf(std::string_view key) {
+  const char* p = key.data();
+  size_t n = key.size();
+  uint64_t h = 0x9E3779B97F4A7C15ull ^ (n * 0xFF51AFD7ED558CCDull);
+  for (; n >= 8; n -= 8, p += 8) {
+    h = (h ^ Load(p, 8)) * 0xBF58476D1CE4E5B9ull;
+    h ^= h >> 31;
+  }
+  if (n > 0) h = (h ^ Load(p, n)) * 0x94D049BB133111EBull;
+  h ^= h >> 32;
+  h *= 0xD6E8FEB86659FD93ull;
+  h ^= h >> 32;
+  return static_cast<uint32_t>(h);
+}
+
+constexpr uint32_t SlotIndex(uint64_t slot) { return static_cast<uint32_t>(slot); }
+constexpr uint32_t SlotHash(uint64_t slot) { return static_cast<uint32_t>(slot >> 32); }
+
+}  // namespace
+
+CFIIndexMap::CFIIndexMap() : m_slots(kInitialSlots, 0) {}
+CFIIndexMap::CFIIndexMap(const CFIIndexMap&) = default;
+CFIIndexMap& CFIIndexMap::operator=(const CFIIndexMap&) = default;
+CFIIndexMap::CFIIndexMap(CFIIndexMap&& other) noexcept
+    : m_slots(std::move(other.m_slots)), m_keys(std::move(other.m_keys)) {
+  // Left without slots: the next addition gives it some.
+  other.m_slots.clear();
+  other.m_keys.clear();
+}
+CFIIndexMap& CFIIndexMap::operator=(CFIIndexMap&& other) noexcept {
+  if (this != &other) {
+    m_slots = std::move(other.m_slots);
+    m_keys = std::move(other.m_keys);
+    other.m_slots.clear();
+    other.m_keys.clear();
+  }
+  return *this;
+}
+CFIIndexMap::~CFIIndexMap() = default;
+
+void CFIIndexMap::clear() {
+  m_keys.clear();
+  m_slots.assign(kInitialSlots, 0);
+}
+
+uint32_t CFIIndexMap::Find(std::string_view key) const {
+  Hint hint;
+  return Find(key, hint);
+}
+
+uint32_t CFIIndexMap::Find(std::string_view key, Hint& hint) const {
+  const uint32_t hash = HashOf(key);
+  hint.hash = hash;
+  if (m_slots.empty()) return 0;  // a moved-from map
+  const size_t mask = m_slots.size() - 1;
+  for (size_t i = hash & mask;; i = (i + 1) & mask) {
+    const uint64_t slot = m_slots[i];
+    const uint32_t index = SlotIndex(slot);
+    if (index == 0) return 0;
+    if (SlotHash(slot) == hash) {
+      const std::string& stored = m_keys[index - 1];
+      if (stored.size() == key.size() && std::memcmp(stored.data(), key.data(), key.size()) == 0) return index;
+    }
+  }
+}
+
+void CFIIndexMap::Place(uint32_t hash, uint32_t index) {
+  const size_t mask = m_slots.size() - 1;
+  size_t i = hash & mask;
+  while (SlotIndex(m_slots[i]) != 0) i = (i + 1) & mask;
+  m_slots[i] = (static_cast<uint64_t>(hash) << 32) | index;
+}
+
+void CFIIndexMap::Grow() {
+  std::vector<uint64_t> old(std::max(kInitialSlots, m_slots.size() * 2), 0);
+  old.swap(m_slots);
+  for (const uint64_t slot : old)
+    if (SlotIndex(slot) != 0) Place(SlotHash(slot), SlotIndex(slot));
+}
+
+uint32_t CFIIndexMap::AddNew(std::string_view key, const Hint& hint) {
+  // At most seven slots in ten in use keeps the runs short.
+  if ((m_keys.size() + 1) * 10 > m_slots.size() * 7) Grow();
+  m_keys.emplace_back(key);
+  const uint32_t index = static_cast<uint32_t>(m_keys.size());
+  Place(hint.hash, index);
+  return index;
+}
+
+uint32_t CFIIndexMap::Add(std::string_view key) {
+  Hint hint;
+  if (const uint32_t index = Find(key, hint)) return index;
+  return AddNew(key, hint);
+}
+
+// ---- CFIVocabulary -------------------------------------------------------------
 
 CFIStringTable::~CFIStringTable() = default;
 CFIQNameTable::~CFIQNameTable() = default;
@@ -20,13 +135,13 @@ CFIVocabulary& CFIVocabulary::operator=(const CFIVocabulary&) = default;
 CFIVocabulary::~CFIVocabulary() = default;
 
 void CFIVocabulary::AddValueToMap(const std::string& value, IndexMap& m) {
-  if (m.size() < MAX_ENTRIES) m.emplace(value, static_cast<uint32_t>(m.size() + 1));
+  if (m.size() < MAX_ENTRIES) m.Add(value);
 }
 
 bool CFIVocabulary::FindIndex(const IndexMap& m, const std::string& value, unsigned long& index) {
-  const auto it = m.find(value);
-  if (it == m.end()) return false;
-  index = it->second;
+  const uint32_t found = m.Find(value);
+  if (found == 0) return false;
+  index = found;
   return true;
 }
 

@@ -394,10 +394,10 @@ std::string_view CFastInfosetWriter::Utf8Of(const std::string& text) {
 
 void CFastInfosetWriter::PutIdentifyingString(const std::string& text,
                                               CFIVocabulary::IndexMap& strings) {
-  unsigned long index = 0;
-  if (CFIVocabulary::FindIndex(strings, text, index)) return PutInteger(kIdentifyingIndex, index, 2);
+  CFIIndexMap::Hint hint;
+  if (const uint32_t index = strings.Find(text, hint)) return PutInteger(kIdentifyingIndex, index, 2);
   PutOctets(0x00, Utf8Of(text), 2);
-  CFIVocabulary::AddValueToMap(text, strings);
+  if (strings.size() < CFIVocabulary::MAX_ENTRIES) strings.AddNew(text, hint);
 }
 
 void CFastInfosetWriter::PutQualifiedName(unsigned char prefix, int startBit,
@@ -410,8 +410,7 @@ void CFastInfosetWriter::PutQualifiedName(unsigned char prefix, int startBit,
   m_key += namespaceUri;
   m_key += '\x01';
   m_key += namePrefix;
-  unsigned long index = 0;
-  if (CFIVocabulary::FindIndex(names, m_key, index)) return PutInteger(prefix, index, startBit);
+  if (const uint32_t index = names.Find(m_key)) return PutInteger(prefix, index, startBit);
 
   if (!namePrefix.empty() && namespaceUri.empty())
     throw CKoException("Failed to write FastInfoset. Invalid QName type Prefix without Namespace.");
@@ -429,24 +428,23 @@ void CFastInfosetWriter::PutAttributeValue(const std::string& value,
                                            unsigned long maxAddLength, ItemType type) {
   if (value.empty() || value[0] == '\0') return PutByte(m_out, kEmptyAttributeValue);
   if (value.size() >= maxAddLength) return PutEncodedCharacterString(0x00, value, type, 3);
-  unsigned long index = 0;
-  if (CFIVocabulary::FindIndex(values, value, index)) return PutInteger(0x80, index, 2);
+  CFIIndexMap::Hint hint;
+  if (const uint32_t index = values.Find(value, hint)) return PutInteger(0x80, index, 2);
   // A full table takes no more entries, so the value must not ask to be added.
   if (values.size() >= CFIVocabulary::MAX_ENTRIES) return PutEncodedCharacterString(0x00, value, type, 3);
   PutEncodedCharacterString(kAddToTableBit2, value, type, 3);
-  CFIVocabulary::AddValueToMap(value, values);
+  values.AddNew(value, hint);
 }
 
 void CFastInfosetWriter::PutCharacterChunk(unsigned char prefix, const std::string& text,
                                            CFIVocabulary::IndexMap& chunks,
                                            unsigned long maxAddLength, ItemType type) {
   if (text.size() >= maxAddLength) return PutEncodedCharacterString(prefix, text, type, 5);
-  unsigned long index = 0;
-  if (CFIVocabulary::FindIndex(chunks, text, index))
-    return PutInteger(prefix | kCharacterChunkIndex, index, 4);
+  CFIIndexMap::Hint hint;
+  if (const uint32_t index = chunks.Find(text, hint)) return PutInteger(prefix | kCharacterChunkIndex, index, 4);
   if (chunks.size() >= CFIVocabulary::MAX_ENTRIES) return PutEncodedCharacterString(prefix, text, type, 5);
   PutEncodedCharacterString(prefix | kAddToTableBit4, text, type, 5);
-  CFIVocabulary::AddValueToMap(text, chunks);
+  chunks.AddNew(text, hint);
 }
 
 void CFastInfosetWriter::PutEncodedCharacterString(unsigned char prefix, const std::string& text,
