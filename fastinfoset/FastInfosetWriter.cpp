@@ -27,6 +27,8 @@ const char* const CFastInfosetWriter::FI_DEFAULT_VOCABULARY_URI =
 namespace {
 
 constexpr unsigned long kMaxIndex = 1ul << 20;
+// Octets collected before they go to the stream, with batched output.
+constexpr size_t kBatchBytes = 64 * 1024;
 constexpr size_t kMaxAlphabetLength = size_t(1) << 20;
 
 constexpr unsigned char kTerminator = 0xF0;
@@ -108,7 +110,8 @@ class CFastInfosetWriter::COperation {
   COperation& operator=(const COperation&) = delete;
 
   void Done() {
-    if (m_writer.m_operationDepth == 1) m_writer.Commit();
+    if (m_writer.m_operationDepth != 1) return;
+    if (!m_writer.m_batchedOutput || m_writer.m_out.size() >= kBatchBytes) m_writer.Commit();
   }
 
  private:
@@ -122,7 +125,18 @@ CFastInfosetWriter::CFastInfosetWriter(const CFastInfosetContext& context, CBina
                        ? std::make_unique<CFIVocabulary>(*context.GetVocabulary())
                        : std::make_unique<CFIVocabulary>()) {}
 
-CFastInfosetWriter::~CFastInfosetWriter() = default;
+CFastInfosetWriter::~CFastInfosetWriter() {
+  // Batched octets still belong to the stream, which outlives the writer.
+  try {
+    Commit();
+  } catch (...) {
+  }
+}
+
+void CFastInfosetWriter::SetBatchedOutput(bool batched) {
+  m_batchedOutput = batched;
+  if (!batched) Commit();
+}
 
 void CFastInfosetWriter::Commit() {
   if (m_out.empty()) return;
@@ -156,6 +170,7 @@ void CFastInfosetWriter::WriteEndDocument() {
   PutByte(m_out, m_pendingTerminator ? kDoubleTerminator : kTerminator);
   m_pendingTerminator = false;
   operation.Done();
+  Commit();  // the document is complete in the stream, batched or not
 }
 
 void CFastInfosetWriter::WriteComment(const std::string&) {}

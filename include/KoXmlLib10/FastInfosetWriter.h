@@ -97,6 +97,16 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
   // The writer's own vocabulary, grown as the document is written.
   CFIVocabulary* GetVocabulary() { return m_vocabulary.get(); }
 
+ protected:
+  // Addition for writers whose stream is read only once the document is
+  // ended (the library's own entry points): the octets of consecutive
+  // operations collect in the writer, up to a block of them, before they go to
+  // the stream, sparing a call into the stream per operation. Whatever is
+  // collected goes to the stream at WriteEndDocument, when an operation fails,
+  // and when the writer is destroyed. Off by default: every operation hands
+  // its octets to the stream before it returns.
+  void SetBatchedOutput(bool batched);
+
  private:
   class COperation;
 
@@ -157,6 +167,7 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
   // Octets of the operation in progress, handed to the stream when it ends.
   std::string m_out;
   unsigned m_operationDepth = 0;
+  bool m_batchedOutput = false;
   // Held with the pending element: its name's prefix, declarations and attributes.
   std::string m_pendingPrefix;
   std::vector<CDeclaration> m_declarations;
