@@ -260,35 +260,67 @@ bool IsPlainValue(const std::string& value) {
   return true;
 }
 
-// Whether the whole of `value` matches. `reach` holds the positions where
-// the next item can start; each item moves it to where it can end.
+// Positions 0 to kMaxPlainValue of a value, one bit each.
+constexpr size_t kPositionWords = kMaxPlainValue / 64 + 1;
+using Positions = uint64_t[kPositionWords];
+
+// Whether the whole of `value` matches, by sets of positions: `reach` holds
+// where the next item can start, and each item moves it to where it can end
+// (bit-parallel: a step is a shift, a run of any length a carrying addition).
 bool MatchesPlain(const PlainPattern& items, const std::string& value) {
   const size_t n = value.size();
-  uint8_t reach[kMaxPlainValue + 1] = {1};
-  uint16_t run[kMaxPlainValue + 1];
-  int16_t starts[kMaxPlainValue + 2];
+  const size_t words = n / 64 + 1;
+  Positions reach = {1};
+  Positions in;  // positions whose character is in the item's set
+  Positions next;
   for (const PlainItem& item : items) {
-    // run[i]: how many characters of the item's set follow from position i.
-    run[n] = 0;
-    for (size_t i = n; i-- > 0;)
-      run[i] = item.set.Has(static_cast<unsigned char>(value[i])) ? static_cast<uint16_t>(run[i + 1] + 1) : 0;
-    std::memset(starts, 0, (n + 2) * sizeof starts[0]);
-    bool any = false;
-    for (size_t i = 0; i <= n; ++i) {
-      if (!reach[i] || run[i] < item.min) continue;
-      const size_t longest = item.max == kUnbounded ? run[i] : std::min<size_t>(run[i], item.max);
-      ++starts[i + item.min];
-      --starts[i + longest + 1];
-      any = true;
-    }
-    if (!any) return false;
-    int open = 0;
-    for (size_t i = 0; i <= n; ++i) {
-      open += starts[i];
-      reach[i] = open > 0;
+    std::memset(in, 0, words * sizeof in[0]);
+    for (size_t i = 0; i < n; ++i)
+      in[i >> 6] |= uint64_t(item.set.Has(static_cast<unsigned char>(value[i]))) << (i & 63);
+    // One more character of the set: from p to p + 1 where p is in the set.
+    const auto step = [&](const uint64_t* from, uint64_t* to) {
+      uint64_t carry = 0;
+      bool any = false;
+      for (size_t w = 0; w < words; ++w) {
+        const uint64_t moved = from[w] & in[w];
+        to[w] = (moved << 1) | carry;
+        carry = moved >> 63;
+        any |= to[w] != 0;
+      }
+      return any;
+    };
+    for (unsigned k = 0; k < item.min; ++k)
+      if (!step(reach, reach)) return false;
+    if (item.max == kUnbounded) {
+      // From each reached position, through the rest of its run of set
+      // characters: adding the reached positions to the runs carries a bit
+      // from each through to the end of its run.
+      uint64_t carry = 0;
+      for (size_t w = 0; w < words; ++w) {
+        const uint64_t started = reach[w] & in[w];
+        const uint64_t sum = in[w] + started + carry;
+        carry = (sum < in[w] || (carry && sum == in[w])) ? 1 : 0;
+        reach[w] |= sum ^ in[w];
+      }
+    } else {
+      std::memcpy(next, reach, words * sizeof next[0]);
+      for (unsigned k = item.min; k < item.max; ++k) {
+        if (!step(next, next)) break;
+        for (size_t w = 0; w < words; ++w) reach[w] |= next[w];
+      }
     }
   }
-  return reach[n] != 0;
+  return (reach[n >> 6] >> (n & 63)) & 1;
+}
+
+// A pattern of fixed counts only matches values of one length, character by character.
+bool MatchesFixed(const PlainPattern& items, size_t length, const std::string& value) {
+  if (value.size() != length) return false;
+  const char* p = value.data();
+  for (const PlainItem& item : items)
+    for (unsigned k = 0; k < item.min; ++k)
+      if (!item.set.Has(static_cast<unsigned char>(*p++))) return false;
+  return true;
 }
 
 // ---- PCRE ----------------------------------------------------------------------
@@ -299,6 +331,8 @@ struct CompiledPattern {
   bool jit = false;
   bool plain = false;  // `items` hold the pattern
   PlainPattern items;
+  size_t fixedLength = 0;  // of the values a plain pattern of fixed counts matches
+  bool fixed = false;
 };
 
 CompiledPattern Compile(const std::string& pattern) {
@@ -323,6 +357,11 @@ CompiledPattern Compile(const std::string& pattern) {
   compiled.matchData.reset(pcre2_match_data_create(captures + 1, nullptr));
   if (!compiled.matchData) throw std::bad_alloc();
   compiled.plain = ParsePlain(pattern, compiled.items);
+  compiled.fixed = compiled.plain;
+  for (const PlainItem& item : compiled.items) {
+    compiled.fixed = compiled.fixed && item.min == item.max;
+    compiled.fixedLength += item.min;
+  }
   return compiled;
 }
 
@@ -367,7 +406,9 @@ class PatternCache {
 // "ab". Requiring the match to end at the subject's end makes the matcher
 // backtrack into the later alternatives.
 bool MatchesWhole(CompiledPattern& compiled, const std::string& subject) {
-  if (compiled.plain && IsPlainValue(subject)) return MatchesPlain(compiled.items, subject);
+  if (compiled.plain && IsPlainValue(subject))
+    return compiled.fixed ? MatchesFixed(compiled.items, compiled.fixedLength, subject)
+                          : MatchesPlain(compiled.items, subject);
   const auto match = [&](uint32_t options) {
     return pcre2_match(compiled.code.get(), reinterpret_cast<PCRE2_SPTR>(subject.data()), subject.size(), 0,
                        options, compiled.matchData.get(), nullptr);
