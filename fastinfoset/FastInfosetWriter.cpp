@@ -279,6 +279,52 @@ void CFastInfosetWriter::WriteEndElement() {
   operation.Done();
 }
 
+// The octets of WriteStartElement, WriteString and WriteEndElement, without
+// opening a scope for the element: a namespace it declares is declared on it
+// alone, which is all that scope would have lived for.
+void CFastInfosetWriter::WriteSimpleElement(const std::string& localName, const std::string& namespaceUri,
+                                            const std::string& text, ItemType type) {
+  CXmlWriterContext* parent = GetCurrentContext();
+  // The outermost element declares the root namespaces.
+  if (!parent) return CXmlWriter::WriteSimpleElement(localName, namespaceUri, text, type);
+  COperation operation(*this);
+  CloseStartTag();
+  parent->SetChildCount(parent->GetChildCount() + 1);
+  WritePendingTerminator();
+
+  static const std::string kNoPrefix;
+  const std::string* prefix = &kNoPrefix;
+  std::string generated;
+  m_declarations.clear();
+  const std::string& defaultNamespace = parent->GetDefaultNamespace();
+  if (namespaceUri.empty()) {
+    // Otherwise the element would read back in the inherited default namespace.
+    if (!defaultNamespace.empty()) m_declarations.push_back(CDeclaration{});
+  } else if (namespaceUri != defaultNamespace) {
+    const NamespaceMap& scope = *parent->GetNamespaceMap();
+    const auto found = scope.find(namespaceUri);
+    if (found != scope.end()) {
+      prefix = &found->second;
+    } else {
+      generated = GetUniquePrefix(scope);
+      m_declarations.push_back(CDeclaration{generated, namespaceUri});
+      prefix = &generated;
+    }
+  }
+  if (!m_declarations.empty()) {
+    PutByte(m_out, kElementHasNamespaceAttributes);
+    for (const CDeclaration& declaration : m_declarations)
+      WriteNamespaceAttribute(declaration.prefix, declaration.uri);
+    m_declarations.clear();
+    PutByte(m_out, kTerminator);
+  }
+  PutQualifiedName(0x00, 3, *prefix, namespaceUri, localName, m_vocabulary->GetElementNamesMap());
+  if (!text.empty() && text[0] != '\0')
+    PutCharacterChunk(0x80, text, m_vocabulary->GetCharacterChunksMap(), m_context.GetElementMaxAddLength(), type);
+  m_pendingTerminator = true;  // none was owed: it was written above
+  operation.Done();
+}
+
 void CFastInfosetWriter::WriteNamespaceAttribute(const std::string& prefix, const std::string& uri) {
   PutByte(m_out, kNamespaceAttribute | (prefix.empty() ? 0 : 0x02) | (uri.empty() ? 0 : 0x01));
   if (!prefix.empty()) PutIdentifyingString(prefix, m_vocabulary->GetPrefixNamesMap());

@@ -61,6 +61,8 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
   void WriteAttributeType(const std::string& typeNamespaceUri, const std::string& typeName,
                           ItemType type) override;
   void WriteAttributeNil() override;
+  void WriteSimpleElement(const std::string& localName, const std::string& namespaceUri,
+                          const std::string& text, ItemType type) override;
 
   void WriteStartDocument(FInfoDecl decl);
   void WriteEndDocument();
