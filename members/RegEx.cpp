@@ -16,6 +16,7 @@
 #include "KoXmlLib10/StringUtils.h"
 #include "members/RegEx.h"
 #include "members/Utf8Text.h"
+#include "foundation/ShortText.h"
 
 namespace KoXmlLib10 {
 
@@ -372,6 +373,22 @@ class PatternCache {
  public:
   static constexpr size_t kCapacity = 64;
 
+  // The pattern last remembered for the string object `source` if it still
+  // holds the same text; null otherwise. Records keep their patterns for
+  // their whole life, so the object's address finds its pattern at once.
+  CompiledPattern* Recent(const std::string& source) {
+    const Recently& entry = m_recent[Slot(source)];
+    if (entry.source == &source && SameText(entry.text, source)) return entry.compiled;
+    return nullptr;
+  }
+  // `source` is its own UTF-8 text and was compiled as `compiled`.
+  void Remember(const std::string& source, CompiledPattern* compiled) {
+    Recently& entry = m_recent[Slot(source)];
+    entry.source = &source;
+    entry.text = source;
+    entry.compiled = compiled;
+  }
+
   CompiledPattern& Get(const std::string& pattern) {
     // A member's values come in runs: the last pattern is checked first.
     if (m_last && m_lastPattern == pattern) return *m_last;
@@ -388,6 +405,7 @@ class PatternCache {
     CompiledPattern compiled = Compile(pattern);
     if (m_entries.size() == kCapacity) {
       m_last = nullptr;  // it may be the one evicted
+      for (Recently& entry : m_recent) entry = Recently();
       m_entries.erase(m_order.front());
       m_order.pop_front();
     }
@@ -395,6 +413,17 @@ class PatternCache {
     return m_entries.emplace(pattern, std::move(compiled)).first->second;
   }
 
+  struct Recently {
+    const std::string* source = nullptr;
+    std::string text;
+    CompiledPattern* compiled = nullptr;
+  };
+  static size_t Slot(const std::string& source) {
+    return (reinterpret_cast<uintptr_t>(&source) >> 5) % kRecent;
+  }
+  static constexpr size_t kRecent = 16;
+
+  Recently m_recent[kRecent];
   CompiledPattern* m_last = nullptr;
   std::string m_lastPattern;
   std::unordered_map<std::string, CompiledPattern> m_entries;
@@ -438,10 +467,20 @@ bool TestRegEx(std::string pattern, std::string value) {
 }
 
 bool MatchesPattern(const std::string& pattern, const std::string& value) {
-  std::string patternScratch;
+  PatternCache& cache = ThreadPatterns();
+  CompiledPattern* compiled = cache.Recent(pattern);
+  if (!compiled) {
+    std::string patternScratch;
+    const std::string& utf8 = LocalTextAsUtf8(pattern, patternScratch);
+    compiled = &cache.Get(utf8);
+    if (&utf8 == &pattern) cache.Remember(pattern, compiled);  // plain ASCII: its own UTF-8
+  }
+  // Printable ASCII is its own UTF-8.
+  if (compiled->plain && IsPlainValue(value))
+    return compiled->fixed ? MatchesFixed(compiled->items, compiled->fixedLength, value)
+                           : MatchesPlain(compiled->items, value);
   std::string valueScratch;
-  CompiledPattern& compiled = ThreadPatterns().Get(LocalTextAsUtf8(pattern, patternScratch));
-  return MatchesWhole(compiled, LocalTextAsUtf8(value, valueScratch));
+  return MatchesWhole(*compiled, LocalTextAsUtf8(value, valueScratch));
 }
 
 }  // namespace KoXmlLib10
