@@ -98,7 +98,7 @@ class CFastInfosetWriter::COperation {
  public:
   explicit COperation(CFastInfosetWriter& writer) : m_writer(writer) { ++m_writer.m_operationDepth; }
   ~COperation() {
-    if (--m_writer.m_operationDepth != 0 || m_writer.m_out.empty()) return;
+    if (--m_writer.m_operationDepth != 0 || m_done || m_writer.m_out.empty()) return;
     // Only an exception gets here with octets left: they stay written, and
     // a failure to store them must not replace the exception in flight.
     try {
@@ -110,12 +110,14 @@ class CFastInfosetWriter::COperation {
   COperation& operator=(const COperation&) = delete;
 
   void Done() {
+    m_done = true;
     if (m_writer.m_operationDepth != 1) return;
     if (!m_writer.m_batchedOutput || m_writer.m_out.size() >= kBatchBytes) m_writer.Commit();
   }
 
  private:
   CFastInfosetWriter& m_writer;
+  bool m_done = false;  // ended normally: batched octets may stay with the writer
 };
 
 CFastInfosetWriter::CFastInfosetWriter(const CFastInfosetContext& context, CBinaryStream& stream)
@@ -466,11 +468,16 @@ void CFastInfosetWriter::PutQualifiedName(unsigned char prefix, int startBit,
                                           const std::string& namespaceUri,
                                           const std::string& localName,
                                           CFIVocabulary::IndexMap& names) {
-  m_key.assign(localName);
-  m_key += '\x01';
-  m_key += namespaceUri;
-  m_key += '\x01';
-  m_key += namePrefix;
+  // localName 0x01 namespaceUri 0x01 namePrefix, built in place.
+  m_key.resize(localName.size() + namespaceUri.size() + namePrefix.size() + 2);
+  char* key = &m_key[0];
+  std::memcpy(key, localName.data(), localName.size());
+  key += localName.size();
+  *key++ = '\x01';
+  std::memcpy(key, namespaceUri.data(), namespaceUri.size());
+  key += namespaceUri.size();
+  *key++ = '\x01';
+  std::memcpy(key, namePrefix.data(), namePrefix.size());
   if (const uint32_t index = names.Find(m_key)) return PutInteger(prefix, index, startBit);
 
   if (!namePrefix.empty() && namespaceUri.empty())
