@@ -482,3 +482,41 @@ TEST(FastInfosetWriter, SimpleElementWritesWhatTheThreeCallsWrite) {
   };
   EXPECT_EQ(document(true), document(false));
 }
+
+// Numbers and booleans are encoded by the writer itself: the octets and the
+// failures must be those of CFastInfosetBinaryData::SetAsEncodedString.
+TEST(FastInfosetWriter, AlgorithmOctetsAreThoseOfTheEncodedValueClass) {
+  const struct {
+    ItemType type;
+    unsigned long algorithm;
+    std::string text;
+  } cases[] = {{ItemType_i2, 3, "-2"},         {ItemType_i4, 4, " 70000 "},       {ItemType_i8, 5, "-9000000000"},
+               {ItemType_boolean, 6, "true"},  {ItemType_boolean, 6, "0"},        {ItemType_r4, 7, "0.25"},
+               {ItemType_r8, 8, "-1.5E300"},   {ItemType_r8, 8, "NaN"},           {ItemType_i4, 4, "x"},
+               {ItemType_i2, 3, "70000"},      {ItemType_boolean, 6, "yes"},      {ItemType_r8, 8, ""}};
+  for (const auto& c : cases) {
+    CFastInfosetContext context;
+    context.SetEncoding(c.type, EncodedCharacterString{2, static_cast<uint32_t>(c.algorithm)});
+    Fi fi(context);
+    std::string expected, failure, expectedFailure;
+    try {
+      CFastInfosetBinaryData data;
+      data.SetAsEncodedString(c.algorithm, c.text.c_str());
+      expected = HexOf(std::string(reinterpret_cast<const char*>(data.GetData()), data.GetLength()));
+    } catch (const CKoException& e) {
+      expectedFailure = e.GetFullMessage();
+    }
+    try {
+      fi.writer.EncodedCharacterStringBit5(0x80, c.text, c.type);
+    } catch (const CKoException& e) {
+      failure = e.GetFullMessage();
+    }
+    EXPECT_EQ(failure, expectedFailure) << c.text;
+    if (expectedFailure.empty() && !expected.empty()) {
+      const std::string hex = fi.Hex() + " ";
+      // The discriminant octet and the length come first; the octets end the string.
+      ASSERT_GE(hex.size(), expected.size()) << c.text;
+      EXPECT_EQ(hex.substr(hex.size() - expected.size()), expected) << c.text;
+    }
+  }
+}
