@@ -60,6 +60,7 @@ class KOXML_API CFIIndexMap {
   // adding the key right after costs no second hashing.
   struct Hint {
     uint32_t hash = 0;
+    uint64_t packed = 0;
   };
 
   CFIIndexMap();
@@ -78,19 +79,29 @@ class KOXML_API CFIIndexMap {
   uint32_t Find(std::string_view key) const;
   uint32_t Find(std::string_view key, Hint& hint) const;
   // Adds `key`, absent until now, with index size() + 1; `hint` comes from
-  // the Find that missed it, with no change to the map in between.
+  // the Find that missed it, with no change to the map in between. Returns
+  // the index, 0 if the map holds 2^24 - 1 entries already (far beyond the
+  // vocabulary's own limit).
   uint32_t AddNew(std::string_view key, const Hint& hint);
-  // Adds `key` with index size() + 1 unless it is present; returns its index.
+  // Adds `key` with index size() + 1 unless it is present; returns its index
+  // (0 as for AddNew).
   uint32_t Add(std::string_view key);
   // The string of index `index` (1 to size()).
   const std::string& KeyOf(uint32_t index) const { return m_keys[index - 1]; }
 
  private:
+  // A free slot has index 0. Keys of up to 8 bytes are held in the slot as
+  // well, so that finding them reads no other memory; the length of such a
+  // key sits in the top bits of `index`.
+  struct Slot {
+    uint32_t hash = 0;
+    uint32_t index = 0;
+    uint64_t key = 0;
+  };
   void Grow();
-  void Place(uint32_t hash, uint32_t index);
+  void Place(const Slot& slot);
 
-  // Slot index 0 marks a free slot; the capacity is a power of two.
-  std::vector<uint64_t> m_slots;  // (hash << 32) | index
+  std::vector<Slot> m_slots;  // a power of two of them
   std::vector<std::string> m_keys;  // entry i has index i + 1
 };
 
