@@ -7,6 +7,7 @@
 #include "KoXmlLib10/FastInfosetBinaryData.h"
 #include "KoXmlLib10/Streams.h"
 #include "KoXmlLib10/Unicode.h"
+#include "foundation/ShortText.h"
 
 namespace KoXmlLib10 {
 
@@ -117,6 +118,16 @@ bool EncodeNumber(uint32_t algorithm, const std::string& text, std::string& out)
     case 8: PutBigEndian<8>(out, BitCast<uint64_t>(CConversions::r8FromString(text, kCollapse))); return true;
     default: return false;
   }
+}
+
+// Whether `key` is the name-map key of localName, namespaceUri and prefix.
+bool IsQNameKey(std::string_view key, std::string_view localName, std::string_view namespaceUri,
+                std::string_view prefix) {
+  const size_t local = localName.size();
+  const size_t uri = namespaceUri.size();
+  return key.size() == local + uri + prefix.size() + 2 && key[local] == '\x01' && key[local + uri + 1] == '\x01' &&
+         SameText(key.substr(0, local), localName) && SameText(key.substr(local + 1, uri), namespaceUri) &&
+         SameText(key.substr(local + uri + 2), prefix);
 }
 
 bool StartsWith(const std::string& text, const char* start) {
@@ -501,6 +512,21 @@ void CFastInfosetWriter::PutQualifiedName(unsigned char prefix, int startBit,
                                           const std::string& namespaceUri,
                                           const std::string& localName,
                                           CFIVocabulary::IndexMap& names) {
+  if (m_knownNames.empty()) m_knownNames.resize(kKnownNames);
+  CKnownName& known =
+      m_knownNames[((reinterpret_cast<uintptr_t>(&localName) >> 3) ^ (reinterpret_cast<uintptr_t>(&namespaceUri) >> 5) ^
+                    (reinterpret_cast<uintptr_t>(&names) >> 4)) %
+                   kKnownNames];
+  if (known.localName == &localName && known.namespaceUri == &namespaceUri && known.names == &names &&
+      known.index != 0 && known.index <= names.size() && IsQNameKey(names.KeyOf(known.index), localName, namespaceUri, namePrefix))
+    return PutInteger(prefix, known.index, startBit);
+  const auto remember = [&](uint32_t index) {
+    known.localName = &localName;
+    known.namespaceUri = &namespaceUri;
+    known.names = &names;
+    known.index = index;
+  };
+
   // localName 0x01 namespaceUri 0x01 namePrefix, built in place.
   m_key.resize(localName.size() + namespaceUri.size() + namePrefix.size() + 2);
   char* key = &m_key[0];
@@ -511,7 +537,10 @@ void CFastInfosetWriter::PutQualifiedName(unsigned char prefix, int startBit,
   key += namespaceUri.size();
   *key++ = '\x01';
   std::memcpy(key, namePrefix.data(), namePrefix.size());
-  if (const uint32_t index = names.Find(m_key)) return PutInteger(prefix, index, startBit);
+  if (const uint32_t index = names.Find(m_key)) {
+    remember(index);
+    return PutInteger(prefix, index, startBit);
+  }
 
   if (!namePrefix.empty() && namespaceUri.empty())
     throw CKoException("Failed to write FastInfoset. Invalid QName type Prefix without Namespace.");

@@ -175,6 +175,18 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
   std::vector<CDeclaration> m_declarations;
   std::vector<CHeldAttribute> m_heldAttributes;
   size_t m_heldCount = 0;  // entries in use; the rest keep their storage
+  // Qualified names recently written as an index, by the addresses of the
+  // strings they were given in (members hand over the same strings for every
+  // element); an entry counts only while its map still holds that name at
+  // that index.
+  struct CKnownName {
+    const std::string* localName = nullptr;
+    const std::string* namespaceUri = nullptr;
+    const CFIVocabulary::IndexMap* names = nullptr;
+    uint32_t index = 0;
+  };
+  static constexpr size_t kKnownNames = 64;
+  std::vector<CKnownName> m_knownNames;
   // Scratch space reused from value to value.
   std::string m_key;
   std::string m_utf8;

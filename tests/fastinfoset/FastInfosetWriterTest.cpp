@@ -520,3 +520,23 @@ TEST(FastInfosetWriter, AlgorithmOctetsAreThoseOfTheEncodedValueClass) {
     }
   }
 }
+
+// A name written as an index is looked up again once its map no longer
+// holds it, even when given in the very same strings.
+TEST(FastInfosetWriter, ANameIsAnIndexOnlyWhileItsMapHoldsIt) {
+  Fi fi;
+  CFIVocabulary::IndexMap names;
+  const std::string local = "x", uri = "urn:a", prefix = "p";
+  fi.writer.QualifiedNameOrIndexBit3(0, prefix, uri, local, names);
+  const size_t literal = fi.Hex().size();
+  fi.writer.QualifiedNameOrIndexBit3(0, prefix, uri, local, names);
+  EXPECT_EQ(fi.Hex().substr(literal), " 00");  // index 1 on the third bit
+  names.clear();
+  fi.writer.QualifiedNameOrIndexBit3(0, prefix, uri, local, names);
+  EXPECT_EQ(fi.Hex().substr(literal + 3, 3), " 3F");  // a literal name again
+  CFIVocabulary::IndexMap other;
+  other.Add("y\x01urn:a\x01p");
+  const size_t before = fi.Hex().size();
+  fi.writer.QualifiedNameOrIndexBit3(0, prefix, uri, local, other);
+  EXPECT_EQ(fi.Hex().substr(before, 3), " 3F");  // index 1 of that map is another name
+}
