@@ -266,18 +266,23 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, const CXmlSeria
 
 void CXmlGeneratedClass::ProcessAttributesToXml(const CXmlSerializationContext& ctx, CElementInfo** elements,
                                                 CAttributeInfo** attributes, CXmlWriter* writer) const {
-  for (int i = 0, n = CountRecords(attributes); i < n; ++i) attributes[i]->AttributeToXml(ctx, this, writer);
-  for (int i = 0, n = CountRecords(elements); i < n; ++i) elements[i]->PseudoChildAttributeToXml(ctx, this, writer);
+  // The arrays end at their first null entry; a class may hand out none.
+  if (attributes)
+    for (CAttributeInfo** record = attributes; *record; ++record) (*record)->AttributeToXml(ctx, this, writer);
+  if (elements)
+    for (CElementInfo** record = elements; *record; ++record) (*record)->PseudoChildAttributeToXml(ctx, this, writer);
 }
 
 void CXmlGeneratedClass::ProcessElementSeqToXml(const CXmlSerializationContext& ctx, CElementInfo** elements,
                                                 CXmlWriter* writer) const {
-  for (int i = 0, n = CountRecords(elements); i < n; ++i) elements[i]->ElementToXml(ctx, this, writer);
+  if (elements)
+    for (CElementInfo** record = elements; *record; ++record) (*record)->ElementToXml(ctx, this, writer);
 }
 
 void CXmlGeneratedClass::ProcessElementAllToXml(const CXmlSerializationContext& ctx, CElementInfo** elements,
                                                 CXmlWriter* writer) const {
-  for (int i = 0, n = CountRecords(elements); i < n; ++i) elements[i]->ElementToXml(ctx, this, writer);
+  if (elements)
+    for (CElementInfo** record = elements; *record; ++record) (*record)->ElementToXml(ctx, this, writer);
 }
 
 bool CXmlGeneratedClass::ProcessElementChoiceToXml(const CXmlSerializationContext& ctx, CElementInfo** elements,
