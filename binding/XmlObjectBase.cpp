@@ -102,16 +102,6 @@ void WriteBytesToFile(const char* fileName, XmlEncoding encoding, CBinaryData& b
   file.Commit();
 }
 
-// The stream is read only once the document is ended: the writer may hand
-// its octets over in blocks rather than per operation.
-class CDocumentFastInfosetWriter : public CFastInfosetWriter {
- public:
-  CDocumentFastInfosetWriter(const CFastInfosetContext& context, CBinaryStream& stream)
-      : CFastInfosetWriter(context, stream) {
-    SetBatchedOutput(true);
-  }
-};
-
 // Reads the document element of a loaded document into `object`.
 void ReadDocument(CXmlObjectBase* object, CXmlDocument& document, const CXmlSerializationContext& ctx) {
   CXmlElement* root = document.GetDocumentElement();
@@ -221,7 +211,9 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, const CXmlSerial
   CheckVersion();
   CBinaryStream stream;
   {
-    CDocumentFastInfosetWriter writer(ctx.GetFIContext(), stream);
+    CFastInfosetWriter writer(ctx.GetFIContext(), stream);
+    // The stream is read once the document is ended: octets may go in blocks.
+    writer.SetBatchedOutput(true);
     writer.Open();
     writer.WriteStartDocument(decl);
     ToXml_Int(&writer, true, GetTargetNamespace().c_str(), ctx, false);

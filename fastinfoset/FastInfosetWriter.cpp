@@ -1,6 +1,7 @@
 #include "KoXmlLib10/FastInfosetWriter.h"
 
 #include <cstring>
+#include <typeinfo>
 
 #include "KoXmlLib10/Conversions.h"
 #include "KoXmlLib10/Exceptions.h"
@@ -331,8 +332,10 @@ void CFastInfosetWriter::WriteEndElement() {
 void CFastInfosetWriter::WriteSimpleElement(const std::string& localName, const std::string& namespaceUri,
                                             const std::string& text, ItemType type) {
   CXmlWriterContext* parent = GetCurrentContext();
-  // The outermost element declares the root namespaces.
-  if (!parent) return CXmlWriter::WriteSimpleElement(localName, namespaceUri, text, type);
+  // The outermost element declares the root namespaces; a derived writer
+  // may have operations of its own for the three calls.
+  if (!parent || typeid(*this) != typeid(CFastInfosetWriter))
+    return CXmlWriter::WriteSimpleElement(localName, namespaceUri, text, type);
   COperation operation(*this);
   CloseStartTag();
   parent->SetChildCount(parent->GetChildCount() + 1);

@@ -382,8 +382,10 @@ void CXmlTextWriter::WriteAttributeNil() { WriteNilAttribute(); }
 void CXmlTextWriter::WriteSimpleElement(const std::string& localName, const std::string& namespaceUri,
                                         const std::string& text, ItemType type) {
   CXmlWriterContext* parent = GetCurrentContext();
-  // The outermost element declares the root namespaces.
-  if (!parent) return CXmlWriter::WriteSimpleElement(localName, namespaceUri, text, type);
+  // The outermost element declares the root namespaces; a derived writer
+  // may have operations of its own for the three calls.
+  if (!parent || typeid(*this) != typeid(CXmlTextWriter))
+    return CXmlWriter::WriteSimpleElement(localName, namespaceUri, text, type);
   CXmlMarkupOutput out(m_stream.m_buffer);
   CloseStartTagForChild(out);
   if (m_format) out.Indent(parent->GetDepth() + 1);

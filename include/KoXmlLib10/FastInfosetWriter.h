@@ -99,17 +99,18 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
   // The writer's own vocabulary, grown as the document is written.
   CFIVocabulary* GetVocabulary() { return m_vocabulary.get(); }
 
- protected:
-  // Addition for writers whose stream is read only once the document is
-  // ended (the library's own entry points): the octets of consecutive
-  // operations collect in the writer, up to a block of them, before they go to
-  // the stream, sparing a call into the stream per operation. Whatever is
-  // collected goes to the stream at WriteEndDocument, when an operation fails,
-  // and when the writer is destroyed. Off by default: every operation hands
-  // its octets to the stream before it returns.
+ private:
+  // The entry points read their stream only once the document is ended.
+  friend class CXmlObjectBase;
+
+  // For writers whose stream is read only once the document is ended: the
+  // octets of consecutive operations collect in the writer, up to a block of
+  // them, before they go to the stream, sparing a call into the stream per
+  // operation. Whatever is collected goes to the stream at WriteEndDocument,
+  // when an operation fails, and when the writer is destroyed. Off by
+  // default: every operation hands its octets to the stream before it returns.
   void SetBatchedOutput(bool batched);
 
- private:
   class COperation;
 
   // An attribute held back with its element's header. Its value is encoded

@@ -301,3 +301,25 @@ TEST(XmlTextWriter, SimpleElementWritesWhatTheThreeCallsWrite) {
             }),
             "<p:r xmlns:p=\"urn:p\">v</p:r>\n");
 }
+
+// A derived writer may have operations of its own: a simple element reaches
+// them as the three calls.
+TEST(XmlTextWriter, ADerivedWriterGetsSimpleElementsAsThreeCalls) {
+  struct Counting : CXmlTextWriter {
+    using CXmlTextWriter::CXmlTextWriter;
+    void WriteStartElement(const std::string& localName, const std::string& namespaceUri) override {
+      ++starts;
+      CXmlTextWriter::WriteStartElement(localName, namespaceUri);
+    }
+    int starts = 0;
+  };
+  CTextStream stream(XmlEncoding_UTF8);
+  Counting writer(stream);
+  writer.Open();
+  writer.WriteStartElement("r", "");
+  writer.WriteSimpleElement("a", "", "1", ItemType_string);
+  writer.WriteEndElement();
+  writer.Close();
+  EXPECT_EQ(writer.starts, 2);
+  EXPECT_EQ(std::string(stream.GetText()), "<r>\n\t<a>1</a>\n</r>\n");
+}
