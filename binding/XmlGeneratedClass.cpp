@@ -2,8 +2,11 @@
 
 #include <strings.h>
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include "KoXmlLib10/ElementInfoChoice.h"
@@ -110,6 +113,25 @@ void WriteStartElement(CXmlWriter* writer, const std::string& localName, const c
   writer->WriteStartElement(localName, t_namespace);
 }
 
+// Whether objects of `object`'s class implement INillable. A cross-cast per
+// object written costs more than the rest of writing a small object, and the
+// answer is the class's: it is kept per class in a small table, by the
+// address of the class's type_info, one word per entry (so entries read and
+// written by several threads stay whole).
+bool ImplementsNillable(const CXmlGeneratedClass& object) {
+  constexpr size_t kEntries = 32;
+  static std::atomic<uintptr_t> s_entries[kEntries];
+  const std::type_info& type = typeid(object);
+  const auto key = reinterpret_cast<uintptr_t>(&type);
+  std::atomic<uintptr_t>& entry = s_entries[(key >> 4) % kEntries];
+  // Entries hold the type_info's address with the answer in its lowest bit.
+  const uintptr_t known = entry.load(std::memory_order_relaxed);
+  if ((known & ~uintptr_t(1)) == key) return (known & 1) != 0;
+  const bool nillable = dynamic_cast<const INillable*>(&object) != nullptr;
+  entry.store(key | (nillable ? 1 : 0), std::memory_order_relaxed);
+  return nillable;
+}
+
 [[noreturn]] void ThrowElementsLeftOver(const CXmlElement* parentElement, const CXmlElement* cursor) {
   throw CKoValidationException(FormatString(msg::kElementsLeftOver, parentElement->GetLocalName().c_str(),
                                             cursor->GetLocalName().c_str()));
@@ -201,7 +223,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* 
       }
     }
 
-    INillable* nillable = dynamic_cast<INillable*>(self);
+    INillable* nillable = ImplementsNillable(*self) ? dynamic_cast<INillable*>(self) : nullptr;
     if (!nillable || !nillable->IsNil()) {
       CElementInfo** elements = self->GetClassElementInfo();
       switch (info->groupType) {
@@ -245,18 +267,23 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, const CXmlSeria
 
 void CXmlGeneratedClass::ProcessAttributesToXml(const CXmlSerializationContext& ctx, CElementInfo** elements,
                                                 CAttributeInfo** attributes, CXmlWriter* writer) const {
-  for (int i = 0, n = CountRecords(attributes); i < n; ++i) attributes[i]->AttributeToXml(ctx, this, writer);
-  for (int i = 0, n = CountRecords(elements); i < n; ++i) elements[i]->PseudoChildAttributeToXml(ctx, this, writer);
+  // The arrays end at their first null entry; a class may hand out none.
+  if (attributes)
+    for (CAttributeInfo** record = attributes; *record; ++record) (*record)->AttributeToXml(ctx, this, writer);
+  if (elements)
+    for (CElementInfo** record = elements; *record; ++record) (*record)->PseudoChildAttributeToXml(ctx, this, writer);
 }
 
 void CXmlGeneratedClass::ProcessElementSeqToXml(const CXmlSerializationContext& ctx, CElementInfo** elements,
                                                 CXmlWriter* writer) const {
-  for (int i = 0, n = CountRecords(elements); i < n; ++i) elements[i]->ElementToXml(ctx, this, writer);
+  if (elements)
+    for (CElementInfo** record = elements; *record; ++record) (*record)->ElementToXml(ctx, this, writer);
 }
 
 void CXmlGeneratedClass::ProcessElementAllToXml(const CXmlSerializationContext& ctx, CElementInfo** elements,
                                                 CXmlWriter* writer) const {
-  for (int i = 0, n = CountRecords(elements); i < n; ++i) elements[i]->ElementToXml(ctx, this, writer);
+  if (elements)
+    for (CElementInfo** record = elements; *record; ++record) (*record)->ElementToXml(ctx, this, writer);
 }
 
 bool CXmlGeneratedClass::ProcessElementChoiceToXml(const CXmlSerializationContext& ctx, CElementInfo** elements,

@@ -212,6 +212,8 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, const CXmlSerial
   CBinaryStream stream;
   {
     CFastInfosetWriter writer(ctx.GetFIContext(), stream);
+    // The stream is read once the document is ended: octets may go in blocks.
+    writer.SetBatchedOutput(true);
     writer.Open();
     writer.WriteStartDocument(decl);
     ToXml_Int(&writer, true, GetTargetNamespace().c_str(), ctx, false);

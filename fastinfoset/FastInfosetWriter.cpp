@@ -1,11 +1,14 @@
 #include "KoXmlLib10/FastInfosetWriter.h"
 
 #include <cstring>
+#include <typeinfo>
 
+#include "KoXmlLib10/Conversions.h"
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/FastInfosetBinaryData.h"
 #include "KoXmlLib10/Streams.h"
 #include "KoXmlLib10/Unicode.h"
+#include "foundation/ShortText.h"
 
 namespace KoXmlLib10 {
 
@@ -27,6 +30,8 @@ const char* const CFastInfosetWriter::FI_DEFAULT_VOCABULARY_URI =
 namespace {
 
 constexpr unsigned long kMaxIndex = 1ul << 20;
+// Octets collected before they go to the stream, with batched output.
+constexpr size_t kBatchBytes = 64 * 1024;
 constexpr size_t kMaxAlphabetLength = size_t(1) << 20;
 
 constexpr unsigned char kTerminator = 0xF0;
@@ -84,6 +89,48 @@ std::string_view ViewOf(const CBinaryData& data) {
   return std::string_view(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
 }
 
+template <size_t N>
+void PutBigEndian(std::string& out, uint64_t value) {
+  out.resize(N);
+  for (size_t i = 0; i < N; ++i) out[i] = static_cast<char>(value >> (8 * (N - 1 - i)));
+}
+
+template <class To, class From>
+To BitCast(From from) {
+  static_assert(sizeof(To) == sizeof(From), "same size");
+  To to;
+  std::memcpy(&to, &from, sizeof to);
+  return to;
+}
+
+// The octets of the numeric and boolean algorithms, as
+// CFastInfosetBinaryData::SetAsEncodedString gives them (same conversions,
+// same failures), without building a CBinaryData per value. False for the
+// other algorithms, and for text with a NUL (the encoder reads up to it).
+bool EncodeNumber(uint32_t algorithm, const std::string& text, std::string& out) {
+  constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+  if (std::memchr(text.data(), 0, text.size())) return false;
+  switch (algorithm) {
+    case 3: PutBigEndian<2>(out, static_cast<uint16_t>(CConversions::i2FromString(text, kCollapse))); return true;
+    case 4: PutBigEndian<4>(out, static_cast<uint32_t>(CConversions::i4FromString(text, kCollapse))); return true;
+    case 5: PutBigEndian<8>(out, static_cast<uint64_t>(CConversions::i8FromString(text, kCollapse))); return true;
+    case 6: out.assign(1, CConversions::booleanFromString(text, kCollapse) ? '\x38' : '\x30'); return true;
+    case 7: PutBigEndian<4>(out, BitCast<uint32_t>(CConversions::r4FromString(text, kCollapse))); return true;
+    case 8: PutBigEndian<8>(out, BitCast<uint64_t>(CConversions::r8FromString(text, kCollapse))); return true;
+    default: return false;
+  }
+}
+
+// Whether `key` is the name-map key of localName, namespaceUri and prefix.
+bool IsQNameKey(std::string_view key, std::string_view localName, std::string_view namespaceUri,
+                std::string_view prefix) {
+  const size_t local = localName.size();
+  const size_t uri = namespaceUri.size();
+  return key.size() == local + uri + prefix.size() + 2 && key[local] == '\x01' && key[local + uri + 1] == '\x01' &&
+         SameText(key.substr(0, local), localName) && SameText(key.substr(local + 1, uri), namespaceUri) &&
+         SameText(key.substr(local + uri + 2), prefix);
+}
+
 bool StartsWith(const std::string& text, const char* start) {
   return text.compare(0, std::strlen(start), start) == 0;
 }
@@ -96,7 +143,7 @@ class CFastInfosetWriter::COperation {
  public:
   explicit COperation(CFastInfosetWriter& writer) : m_writer(writer) { ++m_writer.m_operationDepth; }
   ~COperation() {
-    if (--m_writer.m_operationDepth != 0 || m_writer.m_out.empty()) return;
+    if (--m_writer.m_operationDepth != 0 || m_done || m_writer.m_out.empty()) return;
     // Only an exception gets here with octets left: they stay written, and
     // a failure to store them must not replace the exception in flight.
     try {
@@ -108,11 +155,14 @@ class CFastInfosetWriter::COperation {
   COperation& operator=(const COperation&) = delete;
 
   void Done() {
-    if (m_writer.m_operationDepth == 1) m_writer.Commit();
+    m_done = true;
+    if (m_writer.m_operationDepth != 1) return;
+    if (!m_writer.m_batchedOutput || m_writer.m_out.size() >= kBatchBytes) m_writer.Commit();
   }
 
  private:
   CFastInfosetWriter& m_writer;
+  bool m_done = false;  // ended normally: batched octets may stay with the writer
 };
 
 CFastInfosetWriter::CFastInfosetWriter(const CFastInfosetContext& context, CBinaryStream& stream)
@@ -122,7 +172,18 @@ CFastInfosetWriter::CFastInfosetWriter(const CFastInfosetContext& context, CBina
                        ? std::make_unique<CFIVocabulary>(*context.GetVocabulary())
                        : std::make_unique<CFIVocabulary>()) {}
 
-CFastInfosetWriter::~CFastInfosetWriter() = default;
+CFastInfosetWriter::~CFastInfosetWriter() {
+  // Batched octets still belong to the stream, which outlives the writer.
+  try {
+    Commit();
+  } catch (...) {
+  }
+}
+
+void CFastInfosetWriter::SetBatchedOutput(bool batched) {
+  m_batchedOutput = batched;
+  if (!batched) Commit();
+}
 
 void CFastInfosetWriter::Commit() {
   if (m_out.empty()) return;
@@ -156,6 +217,7 @@ void CFastInfosetWriter::WriteEndDocument() {
   PutByte(m_out, m_pendingTerminator ? kDoubleTerminator : kTerminator);
   m_pendingTerminator = false;
   operation.Done();
+  Commit();  // the document is complete in the stream, batched or not
 }
 
 void CFastInfosetWriter::WriteComment(const std::string&) {}
@@ -261,6 +323,54 @@ void CFastInfosetWriter::WriteEndElement() {
     m_pendingTerminator = true;
   }
   PopContext();
+  operation.Done();
+}
+
+// The octets of WriteStartElement, WriteString and WriteEndElement, without
+// opening a scope for the element: a namespace it declares is declared on it
+// alone, which is all that scope would have lived for.
+void CFastInfosetWriter::WriteSimpleElement(const std::string& localName, const std::string& namespaceUri,
+                                            const std::string& text, ItemType type) {
+  CXmlWriterContext* parent = GetCurrentContext();
+  // The outermost element declares the root namespaces; a derived writer
+  // may have operations of its own for the three calls.
+  if (!parent || typeid(*this) != typeid(CFastInfosetWriter))
+    return CXmlWriter::WriteSimpleElement(localName, namespaceUri, text, type);
+  COperation operation(*this);
+  CloseStartTag();
+  parent->SetChildCount(parent->GetChildCount() + 1);
+  WritePendingTerminator();
+
+  static const std::string kNoPrefix;
+  const std::string* prefix = &kNoPrefix;
+  std::string generated;
+  m_declarations.clear();
+  const std::string& defaultNamespace = parent->GetDefaultNamespace();
+  if (namespaceUri.empty()) {
+    // Otherwise the element would read back in the inherited default namespace.
+    if (!defaultNamespace.empty()) m_declarations.push_back(CDeclaration{});
+  } else if (namespaceUri != defaultNamespace) {
+    const NamespaceMap& scope = *parent->GetNamespaceMap();
+    const auto found = scope.find(namespaceUri);
+    if (found != scope.end()) {
+      prefix = &found->second;
+    } else {
+      generated = GetUniquePrefix(scope);
+      m_declarations.push_back(CDeclaration{generated, namespaceUri});
+      prefix = &generated;
+    }
+  }
+  if (!m_declarations.empty()) {
+    PutByte(m_out, kElementHasNamespaceAttributes);
+    for (const CDeclaration& declaration : m_declarations)
+      WriteNamespaceAttribute(declaration.prefix, declaration.uri);
+    m_declarations.clear();
+    PutByte(m_out, kTerminator);
+  }
+  PutQualifiedName(0x00, 3, *prefix, namespaceUri, localName, m_vocabulary->GetElementNamesMap());
+  if (!text.empty() && text[0] != '\0')
+    PutCharacterChunk(0x80, text, m_vocabulary->GetCharacterChunksMap(), m_context.GetElementMaxAddLength(), type);
+  m_pendingTerminator = true;  // none was owed: it was written above
   operation.Done();
 }
 
@@ -394,10 +504,10 @@ std::string_view CFastInfosetWriter::Utf8Of(const std::string& text) {
 
 void CFastInfosetWriter::PutIdentifyingString(const std::string& text,
                                               CFIVocabulary::IndexMap& strings) {
-  unsigned long index = 0;
-  if (CFIVocabulary::FindIndex(strings, text, index)) return PutInteger(kIdentifyingIndex, index, 2);
+  CFIIndexMap::Hint hint;
+  if (const uint32_t index = strings.Find(text, hint)) return PutInteger(kIdentifyingIndex, index, 2);
   PutOctets(0x00, Utf8Of(text), 2);
-  CFIVocabulary::AddValueToMap(text, strings);
+  if (strings.size() < CFIVocabulary::MAX_ENTRIES) strings.AddNew(text, hint);
 }
 
 void CFastInfosetWriter::PutQualifiedName(unsigned char prefix, int startBit,
@@ -405,13 +515,35 @@ void CFastInfosetWriter::PutQualifiedName(unsigned char prefix, int startBit,
                                           const std::string& namespaceUri,
                                           const std::string& localName,
                                           CFIVocabulary::IndexMap& names) {
-  m_key.assign(localName);
-  m_key += '\x01';
-  m_key += namespaceUri;
-  m_key += '\x01';
-  m_key += namePrefix;
-  unsigned long index = 0;
-  if (CFIVocabulary::FindIndex(names, m_key, index)) return PutInteger(prefix, index, startBit);
+  if (m_knownNames.empty()) m_knownNames.resize(kKnownNames);
+  CKnownName& known =
+      m_knownNames[((reinterpret_cast<uintptr_t>(&localName) >> 3) ^ (reinterpret_cast<uintptr_t>(&namespaceUri) >> 5) ^
+                    (reinterpret_cast<uintptr_t>(&names) >> 4)) %
+                   kKnownNames];
+  if (known.localName == &localName && known.namespaceUri == &namespaceUri && known.names == &names &&
+      known.index != 0 && known.index <= names.size() && IsQNameKey(names.KeyOf(known.index), localName, namespaceUri, namePrefix))
+    return PutInteger(prefix, known.index, startBit);
+  const auto remember = [&](uint32_t index) {
+    known.localName = &localName;
+    known.namespaceUri = &namespaceUri;
+    known.names = &names;
+    known.index = index;
+  };
+
+  // localName 0x01 namespaceUri 0x01 namePrefix, built in place.
+  m_key.resize(localName.size() + namespaceUri.size() + namePrefix.size() + 2);
+  char* key = &m_key[0];
+  std::memcpy(key, localName.data(), localName.size());
+  key += localName.size();
+  *key++ = '\x01';
+  std::memcpy(key, namespaceUri.data(), namespaceUri.size());
+  key += namespaceUri.size();
+  *key++ = '\x01';
+  std::memcpy(key, namePrefix.data(), namePrefix.size());
+  if (const uint32_t index = names.Find(m_key)) {
+    remember(index);
+    return PutInteger(prefix, index, startBit);
+  }
 
   if (!namePrefix.empty() && namespaceUri.empty())
     throw CKoException("Failed to write FastInfoset. Invalid QName type Prefix without Namespace.");
@@ -429,24 +561,23 @@ void CFastInfosetWriter::PutAttributeValue(const std::string& value,
                                            unsigned long maxAddLength, ItemType type) {
   if (value.empty() || value[0] == '\0') return PutByte(m_out, kEmptyAttributeValue);
   if (value.size() >= maxAddLength) return PutEncodedCharacterString(0x00, value, type, 3);
-  unsigned long index = 0;
-  if (CFIVocabulary::FindIndex(values, value, index)) return PutInteger(0x80, index, 2);
+  CFIIndexMap::Hint hint;
+  if (const uint32_t index = values.Find(value, hint)) return PutInteger(0x80, index, 2);
   // A full table takes no more entries, so the value must not ask to be added.
   if (values.size() >= CFIVocabulary::MAX_ENTRIES) return PutEncodedCharacterString(0x00, value, type, 3);
   PutEncodedCharacterString(kAddToTableBit2, value, type, 3);
-  CFIVocabulary::AddValueToMap(value, values);
+  values.AddNew(value, hint);
 }
 
 void CFastInfosetWriter::PutCharacterChunk(unsigned char prefix, const std::string& text,
                                            CFIVocabulary::IndexMap& chunks,
                                            unsigned long maxAddLength, ItemType type) {
   if (text.size() >= maxAddLength) return PutEncodedCharacterString(prefix, text, type, 5);
-  unsigned long index = 0;
-  if (CFIVocabulary::FindIndex(chunks, text, index))
-    return PutInteger(prefix | kCharacterChunkIndex, index, 4);
+  CFIIndexMap::Hint hint;
+  if (const uint32_t index = chunks.Find(text, hint)) return PutInteger(prefix | kCharacterChunkIndex, index, 4);
   if (chunks.size() >= CFIVocabulary::MAX_ENTRIES) return PutEncodedCharacterString(prefix, text, type, 5);
   PutEncodedCharacterString(prefix | kAddToTableBit4, text, type, 5);
-  CFIVocabulary::AddValueToMap(text, chunks);
+  chunks.AddNew(text, hint);
 }
 
 void CFastInfosetWriter::PutEncodedCharacterString(unsigned char prefix, const std::string& text,
@@ -473,9 +604,11 @@ void CFastInfosetWriter::PutEncodedCharacterString(unsigned char prefix, const s
       if (encoding.index < 1 || encoding.index > kBuiltInAlgorithms)
         throw CKoException(FormatString(
             "Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]", encoding.index));
-      CFastInfosetBinaryData data;
-      data.SetAsEncodedString(encoding.index, text.c_str());
-      m_packed.assign(ViewOf(data));
+      if (!EncodeNumber(encoding.index, text, m_packed)) {
+        CFastInfosetBinaryData data;
+        data.SetAsEncodedString(encoding.index, text.c_str());
+        m_packed.assign(ViewOf(data));
+      }
       octets = m_packed;
       break;
     }

@@ -33,9 +33,7 @@ void WriteNilElement(const CElementInfo& record, CXmlWriter* writer) {
 }
 
 void WriteTextElement(const CElementInfo& record, CXmlWriter* writer, const std::string& text, ItemType type) {
-  writer->WriteStartElement(record.elementName, record.elementNamespace);
-  writer->WriteString(text, type);
-  writer->WriteEndElement();
+  writer->WriteSimpleElement(record.elementName, record.elementNamespace, text, type);
 }
 
 }  // namespace

@@ -49,24 +49,56 @@ const char* NameText(const char* name) { return name ? name : ""; }
   throw CKoException(FormatString("Invalid Value for %s [%f]", NameText(name), value));
 }
 
-// Comparison of a value with a bound: 0 equal, 1 less, 2 greater,
-// 3 indeterminate (XSD partial order), 4 unordered (NaN).
-enum Order { Equal = 0, Less = 1, Greater = 2, Indeterminate = 3, Unordered = 4 };
+// Which bound is tested.
+enum class Bound { MinInclusive, MaxInclusive, MinExclusive, MaxExclusive };
 
+// Whether `value` satisfies `bound` against `limit`, with one comparison of
+// the two: every value written is checked, and comparing big numbers is not
+// free. For a total order the tests only ever need "less than".
 template <class T>
-int OrderOf(const T& value, const T& bound) {
-  if (value < bound) return Less;
-  if (bound < value) return Greater;
-  return value == bound ? Equal : Unordered;
+bool Passes(Bound bound, const T& value, const T& limit) {
+  switch (bound) {
+    case Bound::MinInclusive: return !(value < limit);
+    case Bound::MaxInclusive: return !(limit < value);
+    case Bound::MinExclusive: return limit < value;
+    case Bound::MaxExclusive: return value < limit;
+  }
+  return false;
 }
 
-int OrderOf(const CDateTime& value, const CDateTime& bound) { return value.CompareTo(bound); }
-int OrderOf(const CDateTimeSpan& value, const CDateTimeSpan& bound) { return value.CompareTo(bound); }
+// Each test requires its relation to hold, so NaN fails every bound.
+template <class T>
+bool PassesReal(Bound bound, T value, T limit) {
+  switch (bound) {
+    case Bound::MinInclusive: return value >= limit;
+    case Bound::MaxInclusive: return value <= limit;
+    case Bound::MinExclusive: return value > limit;
+    case Bound::MaxExclusive: return value < limit;
+  }
+  return false;
+}
+bool Passes(Bound bound, const float& value, const float& limit) { return PassesReal(bound, value, limit); }
+bool Passes(Bound bound, const double& value, const double& limit) { return PassesReal(bound, value, limit); }
 
-bool PassesMinInclusive(int order) { return order == Equal || order == Greater || order == Indeterminate; }
-bool PassesMaxInclusive(int order) { return order == Equal || order == Less || order == Indeterminate; }
-bool PassesMinExclusive(int order) { return order == Greater || order == Indeterminate; }
-bool PassesMaxExclusive(int order) { return order == Less || order == Indeterminate; }
+// Dates and durations are partially ordered: CompareTo gives 0 equal, 1 less,
+// 2 greater, 3 indeterminate, and an indeterminate comparison passes.
+enum Order { Equal = 0, Less = 1, Greater = 2, Indeterminate = 3 };
+
+bool PassesPartial(Bound bound, int order) {
+  switch (bound) {
+    case Bound::MinInclusive: return order == Equal || order == Greater || order == Indeterminate;
+    case Bound::MaxInclusive: return order == Equal || order == Less || order == Indeterminate;
+    case Bound::MinExclusive: return order == Greater || order == Indeterminate;
+    case Bound::MaxExclusive: return order == Less || order == Indeterminate;
+  }
+  return false;
+}
+bool Passes(Bound bound, const CDateTime& value, const CDateTime& limit) {
+  return PassesPartial(bound, value.CompareTo(limit));
+}
+bool Passes(Bound bound, const CDateTimeSpan& value, const CDateTimeSpan& limit) {
+  return PassesPartial(bound, value.CompareTo(limit));
+}
 
 // A bound's value, converted from its text once per thread and kept: every
 // value written is checked against the bounds of its member. Entries are
@@ -105,15 +137,15 @@ template <class T, class Parse, class Fail>
 void CheckBounds(const T& value, const CPrimitiveRestrictions& r, Parse parse, Fail fail) {
   const struct {
     const std::string& text;
-    bool (*passes)(int);
-  } bounds[] = {{r.minInclusive, PassesMinInclusive},
-                {r.maxInclusive, PassesMaxInclusive},
-                {r.minExclusive, PassesMinExclusive},
-                {r.maxExclusive, PassesMaxExclusive}};
+    Bound bound;
+  } bounds[] = {{r.minInclusive, Bound::MinInclusive},
+                {r.maxInclusive, Bound::MaxInclusive},
+                {r.minExclusive, Bound::MinExclusive},
+                {r.maxExclusive, Bound::MaxExclusive}};
   for (const auto& bound : bounds) {
     if (bound.text.empty()) continue;
     const T& limit = ConvertedBound<T>(bound.text, parse);
-    if (!bound.passes(OrderOf(value, limit))) fail();
+    if (!Passes(bound.bound, value, limit)) fail();
   }
 }
 
@@ -151,12 +183,25 @@ const T& HeldOrDefault(const T* held) {
   return held ? *held : kDefault;
 }
 
+// Most members have no facets: nothing to convert or compare for them.
+bool NoFacetSet(const CPrimitiveRestrictions& r) {
+  return r.pattern.empty() && r.minLength < 0 && r.maxLength < 0 && r.length < 0 && r.minInclusive.empty() &&
+         r.maxInclusive.empty() && r.minExclusive.empty() && r.maxExclusive.empty();
+}
+
+// The kinds that have a check (the others are refused, facets or not).
+bool HasCheck(ItemType type) {
+  return (type >= ItemType_hexBinary && type <= ItemType_time) ||
+         (type >= ItemType_string && type <= ItemType_integer);
+}
+
 }  // namespace
 
 // The heap kinds are checked in place: the getters would copy every value.
 void CXmlObjectHelper::CheckRestriction(const char* name, const KoVariant& value, ItemType type,
                                         const CPrimitiveRestrictions& r) {
   using A = KoVariantAccess;
+  if (HasCheck(type) && NoFacetSet(r)) return;
   switch (type) {
     case ItemType_hexBinary: return CheckRestrictionForhexBinary(name, value.GetHexBinary(), r);
     case ItemType_base64Binary: return CheckRestrictionForbase64Binary(name, value.GetBase64Binary(), r);

@@ -17,6 +17,7 @@
 #include "binding/VariantItemType.h"
 #include "members/MembersMessages.h"
 #include "members/ReadText.h"
+#include "types/VariantAccess.h"
 #include "types/VariantText.h"
 
 namespace KoXmlLib10Data::core {
@@ -454,13 +455,34 @@ bool ReadCollection(const CElementInfo& record, const ReadArgs& a, Group group, 
   return false;
 }
 
+namespace {
+
+// The collection a variant holds, borrowed from the variant. One stored as a
+// collection needs no run-time type check.
+CXmlCollectionBase* HeldCollection(const KoVariant& value) {
+  CXmlObjectBase* object = KoXmlLib10::KoVariantAccess::Object(value);
+  if (!object) return nullptr;
+  if (KoXmlLib10::KoVariantAccess::Type(value) == KoVariant::TypeXmlCollection)
+    return static_cast<CXmlCollectionBase*>(object);
+  return dynamic_cast<CXmlCollectionBase*>(object);
+}
+
+}  // namespace
+
+// The count check and ElementToXmlCol, on one reading of the property.
 bool WriteCollection(const CElementInfo& record, const CXmlSerializationContext& ctx,
                      const CXmlGeneratedClass* owner, CXmlWriter* writer, Group group) {
-  if (group != Group::Choice && !ctx.GetIgnoreInvalidCollectionCounts()) {
-    ObjectPtr held = PropertyObject(record, owner);
-    if (held) AsCollection(record, held.get())->ValidateCount(ctx);
+  KoVariant value;
+  record.ReadProperty(owner, value);
+  CXmlCollectionBase* collection = HeldCollection(value);
+  if (group != Group::Choice && !ctx.GetIgnoreInvalidCollectionCounts() &&
+      KoXmlLib10::KoVariantAccess::Object(value)) {
+    if (!collection) throw CKoException(FormatString(msg::kNoCollection, record.elementName.c_str()));
+    collection->ValidateCount(ctx);
   }
-  return record.ElementToXmlCol(ctx, owner, writer);
+  if (!collection || collection->GetCount() <= 0) return false;
+  CXmlObjectBase::ToXml_Int(collection, writer, false, record.elementNamespace.c_str(), ctx, false);
+  return true;
 }
 
 void WritePseudoChildAttributes(const CElementInfo& record, const CXmlSerializationContext& ctx,

@@ -70,11 +70,7 @@ class CTypeCollectionCore {
                     const CXmlSerializationContext& ctx, ItemType type, const ToText& toText) {
     collection.ValidateCount(ctx);
     const std::string name = collection.GetElementName();
-    for (const auto& value : items) {
-      writer->WriteStartElement(name, collection.m_namespace);
-      writer->WriteString(toText(value), type);
-      writer->WriteEndElement();
-    }
+    for (const auto& value : items) writer->WriteSimpleElement(name, collection.m_namespace, toText(value), type);
   }
 
  private:

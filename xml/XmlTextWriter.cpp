@@ -376,4 +376,66 @@ void CXmlTextWriter::WriteAttributeType(const std::string& typeNamespaceUri,
 
 void CXmlTextWriter::WriteAttributeNil() { WriteNilAttribute(); }
 
+// The markup of WriteStartElement, WriteString and WriteEndElement, without
+// opening a scope for the element: a namespace it declares is declared on it
+// alone, which is all that scope would have lived for.
+void CXmlTextWriter::WriteSimpleElement(const std::string& localName, const std::string& namespaceUri,
+                                        const std::string& text, ItemType type) {
+  CXmlWriterContext* parent = GetCurrentContext();
+  // The outermost element declares the root namespaces; a derived writer
+  // may have operations of its own for the three calls.
+  if (!parent || typeid(*this) != typeid(CXmlTextWriter))
+    return CXmlWriter::WriteSimpleElement(localName, namespaceUri, text, type);
+  CXmlMarkupOutput out(m_stream.m_buffer);
+  CloseStartTagForChild(out);
+  if (m_format) out.Indent(parent->GetDepth() + 1);
+  out.Put('<');
+
+  const std::string& defaultNamespace = parent->GetDefaultNamespace();
+  const std::string* prefix = nullptr;  // the element's, when it has one
+  std::string generated;
+  if (namespaceUri.empty()) {
+    out.Put(localName);
+    // Otherwise the element would read back in the inherited default namespace.
+    if (!defaultNamespace.empty()) out.Put(" xmlns=\"\"");
+  } else if (SameText(namespaceUri, defaultNamespace)) {
+    out.Put(localName);
+  } else {
+    const NamespaceMap& scope = *parent->GetNamespaceMap();
+    const auto found = scope.find(namespaceUri);
+    if (found != scope.end()) {
+      prefix = &found->second;
+    } else {
+      generated = GetUniquePrefix(scope);
+      prefix = &generated;
+    }
+    out.Put(*prefix);
+    out.Put(':');
+    out.Put(localName);
+    if (found == scope.end()) {
+      out.Put(' ');
+      out.Declaration(generated, namespaceUri);
+    }
+  }
+
+  if (text.empty()) {
+    out.Put("/>");
+  } else {
+    out.Put('>');
+    if (text[0] == '<' && text.compare(0, kCDataStart.size(), kCDataStart) == 0)
+      out.Put(text);
+    else
+      PadAndAppend(out, text, false);
+    out.Put("</");
+    if (prefix) {
+      out.Put(*prefix);
+      out.Put(':');
+    }
+    out.Put(localName);
+    out.Put('>');
+  }
+  if (m_format) out.Put(m_eol);
+  Commit(out, true);
+}
+
 }  // namespace KoXmlLib10

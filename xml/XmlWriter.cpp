@@ -138,6 +138,13 @@ void CXmlWriter::AddNamespace(const std::string& prefix, const std::string& uri)
     m_rootNamespaces[uri] = prefix;
 }
 
+void CXmlWriter::WriteSimpleElement(const std::string& localName, const std::string& namespaceUri,
+                                    const std::string& text, ItemType type) {
+  WriteStartElement(localName, namespaceUri);
+  WriteString(text, type);
+  WriteEndElement();
+}
+
 std::string CXmlWriter::NsIntToString(int n) {
   if (n < 0) throw CKoInvalidParamException(FormatString("Invalid prefix index [%d]", n));
   // Names of 2 letters cover 26^2 indexes, then 26^3 names of 3 letters, ...

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
 
 #include "KoXmlLib10/Export.h"
@@ -47,13 +47,71 @@ class KOXML_API CFIQNameTable {
   Entries m_entries;
 };
 
+// String-to-index view of a vocabulary table, for writing. Indexes are given
+// in order of addition: the n-th string added has index n, so that they agree
+// with a reader's index-to-string table filled in the same order.
+//
+// Writing looks up every name and short value, and the value tables grow to a
+// million entries: an open-addressing table of (hash, index) slots keeps a
+// lookup to one probe of a compact array and one string comparison.
+class KOXML_API CFIIndexMap {
+ public:
+  // Answer of Find for the writer: the hash of the key looked up, so that
+  // adding the key right after costs no second hashing.
+  struct Hint {
+    uint32_t hash = 0;
+    uint64_t packed = 0;
+  };
+
+  CFIIndexMap();
+  CFIIndexMap(const CFIIndexMap&);
+  CFIIndexMap& operator=(const CFIIndexMap&);
+  CFIIndexMap(CFIIndexMap&&) noexcept;
+  CFIIndexMap& operator=(CFIIndexMap&&) noexcept;
+  ~CFIIndexMap();
+
+  size_t size() const { return m_keys.size(); }
+  bool empty() const { return m_keys.empty(); }
+  size_t count(std::string_view key) const { return Find(key) != 0 ? 1 : 0; }
+  void clear();
+
+  // The index of `key`; 0 when it is absent.
+  uint32_t Find(std::string_view key) const;
+  uint32_t Find(std::string_view key, Hint& hint) const;
+  // Adds `key`, absent until now, with index size() + 1; `hint` comes from
+  // the Find that missed it, with no change to the map in between. Returns
+  // the index, 0 if the map holds 2^24 - 1 entries already (far beyond the
+  // vocabulary's own limit).
+  uint32_t AddNew(std::string_view key, const Hint& hint);
+  // Adds `key` with index size() + 1 unless it is present; returns its index
+  // (0 as for AddNew).
+  uint32_t Add(std::string_view key);
+  // The string of index `index` (1 to size()).
+  const std::string& KeyOf(uint32_t index) const { return m_keys[index - 1]; }
+
+ private:
+  // A free slot has index 0. Keys of up to 8 bytes are held in the slot as
+  // well, so that finding them reads no other memory; the length of such a
+  // key sits in the top bits of `index`.
+  struct Slot {
+    uint32_t hash = 0;
+    uint32_t index = 0;
+    uint64_t key = 0;
+  };
+  void Grow();
+  void Place(const Slot& slot);
+
+  std::vector<Slot> m_slots;  // a power of two of them
+  std::vector<std::string> m_keys;  // entry i has index i + 1
+};
+
 // The tables of a Fast Infoset vocabulary, in two views: string-to-index maps
 // for writing and index-to-string tables for reading.
 class KOXML_API CFIVocabulary {
  public:
   // Hashed rather than ordered: writing looks up every name and short value,
   // and the value tables grow to a million entries.
-  using IndexMap = std::unordered_map<std::string, uint32_t>;
+  using IndexMap = CFIIndexMap;
   // Every map and table stops growing at this many entries.
   static constexpr size_t MAX_ENTRIES = size_t(1) << 20;
   static const char* const FI_DEFAULT_PREFIX;

@@ -61,6 +61,8 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
   void WriteAttributeType(const std::string& typeNamespaceUri, const std::string& typeName,
                           ItemType type) override;
   void WriteAttributeNil() override;
+  void WriteSimpleElement(const std::string& localName, const std::string& namespaceUri,
+                          const std::string& text, ItemType type) override;
 
   void WriteStartDocument(FInfoDecl decl);
   void WriteEndDocument();
@@ -98,6 +100,17 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
   CFIVocabulary* GetVocabulary() { return m_vocabulary.get(); }
 
  private:
+  // The entry points read their stream only once the document is ended.
+  friend class CXmlObjectBase;
+
+  // For writers whose stream is read only once the document is ended: the
+  // octets of consecutive operations collect in the writer, up to a block of
+  // them, before they go to the stream, sparing a call into the stream per
+  // operation. Whatever is collected goes to the stream at WriteEndDocument,
+  // when an operation fails, and when the writer is destroyed. Off by
+  // default: every operation hands its octets to the stream before it returns.
+  void SetBatchedOutput(bool batched);
+
   class COperation;
 
   // An attribute held back with its element's header. Its value is encoded
@@ -157,11 +170,24 @@ class KOXML_API CFastInfosetWriter : public CXmlWriter {
   // Octets of the operation in progress, handed to the stream when it ends.
   std::string m_out;
   unsigned m_operationDepth = 0;
+  bool m_batchedOutput = false;
   // Held with the pending element: its name's prefix, declarations and attributes.
   std::string m_pendingPrefix;
   std::vector<CDeclaration> m_declarations;
   std::vector<CHeldAttribute> m_heldAttributes;
   size_t m_heldCount = 0;  // entries in use; the rest keep their storage
+  // Qualified names recently written as an index, by the addresses of the
+  // strings they were given in (members hand over the same strings for every
+  // element); an entry counts only while its map still holds that name at
+  // that index.
+  struct CKnownName {
+    const std::string* localName = nullptr;
+    const std::string* namespaceUri = nullptr;
+    const CFIVocabulary::IndexMap* names = nullptr;
+    uint32_t index = 0;
+  };
+  static constexpr size_t kKnownNames = 64;
+  std::vector<CKnownName> m_knownNames;
   // Scratch space reused from value to value.
   std::string m_key;
   std::string m_utf8;

@@ -38,6 +38,8 @@ class KOXML_API CXmlTextWriter : public CXmlWriter {
   void WriteAttributeType(const std::string& typeNamespaceUri, const std::string& typeName,
                           ItemType type) override;
   void WriteAttributeNil() override;
+  void WriteSimpleElement(const std::string& localName, const std::string& namespaceUri,
+                          const std::string& text, ItemType type) override;
 
   bool GetFormat() const;
   void SetFormat(bool format);

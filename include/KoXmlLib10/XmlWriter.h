@@ -113,6 +113,13 @@ class KOXML_API CXmlWriter {
   virtual void WriteAttributeType(const std::string& typeNamespaceUri, const std::string& typeName,
                                   ItemType type) = 0;
   virtual void WriteAttributeNil() = 0;
+  // Addition beyond the operations above, in the last slot: an element in
+  // the open element that holds only `text` (nothing when it is empty),
+  // exactly as WriteStartElement, WriteString and WriteEndElement write it.
+  // This implementation makes those three calls; a writer may override it to
+  // write such an element, the most common one, in one go.
+  virtual void WriteSimpleElement(const std::string& localName, const std::string& namespaceUri,
+                                  const std::string& text, ItemType type);
 
   // "AA", "AB", ... "ZZ" for 0..675; beyond that the names grow a letter
   // ("AAA" for 676), so every index has a distinct name.

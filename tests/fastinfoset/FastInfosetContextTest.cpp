@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <KoXmlLib10.h>
+#include <string>
+#include <vector>
 
 using namespace KoXmlLib10;
 
@@ -107,4 +109,49 @@ TEST(FastInfosetContext, DefaultsAndSuggestedValues) {
   CFastInfosetContext copy(c);
   copy.GetVocabulary()->AddLocalName("generated");
   EXPECT_EQ(c.GetVocabulary()->GetLocalNamesTable().size(), 0u);
+}
+
+// Keys of every length up to past a word, with NUL bytes and shared
+// prefixes, keep their order-of-addition indexes through the table's growth,
+// copies and moves; absent keys stay absent.
+TEST(FIIndexMap, IndexesInOrderOfAdditionThroughGrowthCopiesAndMoves) {
+  std::vector<std::string> keys;
+  for (int i = 0; i < 3000; ++i) {
+    std::string key = std::to_string(i * 7919 % 100003);
+    key.resize(static_cast<size_t>(i % 19), static_cast<char>(i % 3 == 0 ? '\0' : 'k'));
+    if (i % 5 == 0) key.insert(0, 1, '\0');
+    keys.push_back(key);
+  }
+  CFIIndexMap map;
+  std::vector<uint32_t> expected;
+  for (const std::string& key : keys) {
+    const uint32_t known = map.Find(key);
+    const uint32_t index = map.Add(key);
+    if (known) {
+      EXPECT_EQ(index, known) << key;
+    } else {
+      EXPECT_EQ(index, map.size());
+    }
+    expected.push_back(index);
+  }
+  const auto check = [&](const CFIIndexMap& m) {
+    for (size_t i = 0; i < keys.size(); ++i) {
+      ASSERT_EQ(m.Find(keys[i]), expected[i]) << i;
+      EXPECT_EQ(m.KeyOf(expected[i]), keys[i]);
+    }
+    EXPECT_EQ(m.Find(std::string("absent\0", 7)), 0u);
+  };
+  check(map);
+  const CFIIndexMap copy = map;
+  check(copy);
+  CFIIndexMap moved = std::move(map);
+  check(moved);
+  EXPECT_EQ(map.size(), 0u);
+  EXPECT_EQ(map.Find(keys[1]), 0u);
+  EXPECT_EQ(map.Add("again"), 1u);  // a moved-from map takes new entries
+  // "a" and "a\0" differ only by a NUL: two entries.
+  CFIIndexMap shortKeys;
+  EXPECT_EQ(shortKeys.Add(std::string("a")), 1u);
+  EXPECT_EQ(shortKeys.Add(std::string("a\0", 2)), 2u);
+  EXPECT_EQ(shortKeys.Find(std::string("a\0\0", 3)), 0u);
 }

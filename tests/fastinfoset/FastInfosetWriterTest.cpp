@@ -441,3 +441,102 @@ TEST(FastInfosetWriter, ReadsBackThroughTheLibrarysReader) {
   EXPECT_EQ(child->GetNamespaceURI(), "");
   EXPECT_EQ(child->GetAttribute("nil", kXsi), "true");
 }
+
+// A simple element written in one call gives exactly the octets of the three
+// calls: after a parent with held attributes, after a sibling's end (shared
+// terminators), with a namespace declared on the element alone, in no
+// namespace under a default one, empty, and with encoded values.
+TEST(FastInfosetWriter, SimpleElementWritesWhatTheThreeCallsWrite) {
+  const auto document = [](bool oneCall) {
+    CFastInfosetContext context;
+    context.SetSuggestedValues();
+    Fi fi(context);
+    CFastInfosetWriter& w = fi.writer;
+    const auto simple = [&](const std::string& name, const std::string& ns, const std::string& text, ItemType type) {
+      if (oneCall) {
+        w.WriteSimpleElement(name, ns, text, type);
+      } else {
+        w.WriteStartElement(name, ns);
+        w.WriteString(text, type);
+        w.WriteEndElement();
+      }
+    };
+    w.WriteStartDocument(FInfoDeclNone);
+    w.AddNamespace("p", "urn:p");
+    w.SetDefaultNamespace("urn:d");
+    w.WriteStartElement("root", "urn:d");
+    w.WriteAttributeString("id", "", "7", ItemType_string);
+    simple("a", "urn:d", "text", ItemType_string);
+    simple("a", "urn:d", "text", ItemType_string);
+    simple("b", "", "", ItemType_string);
+    simple("c", "urn:p", "12", ItemType_i4);
+    simple("d", "urn:new", "2024-05-01", ItemType_date);
+    simple("e", "urn:new", std::string("\0x", 2), ItemType_string);
+    w.WriteStartElement("inner", "urn:other");
+    simple("f", "urn:other", "x", ItemType_string);
+    w.WriteEndElement();
+    simple("g", "urn:d", "last", ItemType_string);
+    w.WriteEndElement();
+    w.WriteEndDocument();
+    return fi.Hex();
+  };
+  EXPECT_EQ(document(true), document(false));
+}
+
+// Numbers and booleans are encoded by the writer itself: the octets and the
+// failures must be those of CFastInfosetBinaryData::SetAsEncodedString.
+TEST(FastInfosetWriter, AlgorithmOctetsAreThoseOfTheEncodedValueClass) {
+  const struct {
+    ItemType type;
+    unsigned long algorithm;
+    std::string text;
+  } cases[] = {{ItemType_i2, 3, "-2"},         {ItemType_i4, 4, " 70000 "},       {ItemType_i8, 5, "-9000000000"},
+               {ItemType_boolean, 6, "true"},  {ItemType_boolean, 6, "0"},        {ItemType_r4, 7, "0.25"},
+               {ItemType_r8, 8, "-1.5E300"},   {ItemType_r8, 8, "NaN"},           {ItemType_i4, 4, "x"},
+               {ItemType_i2, 3, "70000"},      {ItemType_boolean, 6, "yes"},      {ItemType_r8, 8, ""}};
+  for (const auto& c : cases) {
+    CFastInfosetContext context;
+    context.SetEncoding(c.type, EncodedCharacterString{2, static_cast<uint32_t>(c.algorithm)});
+    Fi fi(context);
+    std::string expected, failure, expectedFailure;
+    try {
+      CFastInfosetBinaryData data;
+      data.SetAsEncodedString(c.algorithm, c.text.c_str());
+      expected = HexOf(std::string(reinterpret_cast<const char*>(data.GetData()), data.GetLength()));
+    } catch (const CKoException& e) {
+      expectedFailure = e.GetFullMessage();
+    }
+    try {
+      fi.writer.EncodedCharacterStringBit5(0x80, c.text, c.type);
+    } catch (const CKoException& e) {
+      failure = e.GetFullMessage();
+    }
+    EXPECT_EQ(failure, expectedFailure) << c.text;
+    if (expectedFailure.empty() && !expected.empty()) {
+      const std::string hex = fi.Hex() + " ";
+      // The discriminant octet and the length come first; the octets end the string.
+      ASSERT_GE(hex.size(), expected.size()) << c.text;
+      EXPECT_EQ(hex.substr(hex.size() - expected.size()), expected) << c.text;
+    }
+  }
+}
+
+// A name written as an index is looked up again once its map no longer
+// holds it, even when given in the very same strings.
+TEST(FastInfosetWriter, ANameIsAnIndexOnlyWhileItsMapHoldsIt) {
+  Fi fi;
+  CFIVocabulary::IndexMap names;
+  const std::string local = "x", uri = "urn:a", prefix = "p";
+  fi.writer.QualifiedNameOrIndexBit3(0, prefix, uri, local, names);
+  const size_t literal = fi.Hex().size();
+  fi.writer.QualifiedNameOrIndexBit3(0, prefix, uri, local, names);
+  EXPECT_EQ(fi.Hex().substr(literal), " 00");  // index 1 on the third bit
+  names.clear();
+  fi.writer.QualifiedNameOrIndexBit3(0, prefix, uri, local, names);
+  EXPECT_EQ(fi.Hex().substr(literal + 3, 3), " 3F");  // a literal name again
+  CFIVocabulary::IndexMap other;
+  other.Add("y\x01urn:a\x01p");
+  const size_t before = fi.Hex().size();
+  fi.writer.QualifiedNameOrIndexBit3(0, prefix, uri, local, other);
+  EXPECT_EQ(fi.Hex().substr(before, 3), " 3F");  // index 1 of that map is another name
+}

@@ -217,6 +217,65 @@ TEST(RegEx, BadPatternsAndTheCache) {
   EXPECT_EQ(failures, std::vector<int>(4, 0));
 }
 
+// Patterns made of characters and classes with counts are matched without
+// PCRE for short printable values. Wrapped in a group, the same pattern goes
+// to PCRE: both must answer alike.
+TEST(RegEx, PlainPatternsAnswerAsPcreDoes) {
+  const std::vector<std::string> patterns = {
+      "[A-Z]{3}", ".+Z", "[^@\\s]+@[^@\\s]+", "[0-9]{5}", "[A-Z]{3}-[0-9]{4}", "a*a*b", "a?b?c?",
+      "x{2,}", "x{0,3}y", "x{2,4}", "\\d+\\.\\d{2}", "\\D\\S\\W", "\\w*", "[\\-a]+", "[a-]", "[^a-c]*",
+      "[^\\d]", "\\.\\*\\+\\?\\{\\}\\[\\]\\(\\)\\|\\^\\$\\\\", "ab c", ".*", ".", "[ -~]+", "[a-cx-z]{1,2}",
+      "[\\]\\\\]", "[%-/]+", "(?:a)", "a{3", "a{1,2}?", "[[:alpha:]]", "[]a]", "a|b", "^a", "\\i",
+      "[b-a]", "a**", "x{1001}", ""};
+  const std::vector<std::string> values = {
+      "", "A", "ABC", "ABCD", "abc", "a@b", "a@@b", "@b", "a b@c", "12345", "1234", "ABC-1234", "ABC-12x4",
+      "aab", "b", "ab", "ac", "abc", "xx", "xxx", "xxxxy", "y", "xy", "3.14", "3.1", "a ", "a_1", "-a-",
+      "d", "a", "-", "z", "cz", "x", ".*+?{}[]()|^$\\", "ab c", "2024-05-01T08:00:00Z", "Z", "%&/",
+      "]", "\\", "a]", std::string(300, 'x'), "tab\there", "caf\xC3\xA9"};
+  for (const std::string& pattern : patterns)
+    for (const std::string& value : values) {
+      bool plain = false;
+      bool grouped = false;
+      std::string plainError, groupedError;
+      try {
+        plain = TestRegEx(pattern, value);
+      } catch (const CKoException& e) {
+        plainError = "error";
+      }
+      try {
+        grouped = TestRegEx("(" + pattern + ")", value);
+      } catch (const CKoException& e) {
+        groupedError = "error";
+      }
+      EXPECT_EQ(plainError, groupedError) << pattern << " / " << value;
+      EXPECT_EQ(plain, grouped) << pattern << " / " << value;
+    }
+}
+
+// Random sequences of the plain constructs against random short values.
+TEST(RegEx, RandomPlainPatternsAnswerAsPcreDoes) {
+  const char* const atoms[] = {"a", "b", ".", "[ab]", "[^a]", "\\d", "\\s", "[a-c]", "-", "\\.", "[0-9]"};
+  const char* const counts[] = {"", "", "?", "*", "+", "{2}", "{1,3}", "{0,}", "{2,}"};
+  const char alphabet[] = "ab c1.-";
+  unsigned long long state = 7;
+  const auto next = [&state](unsigned bound) {
+    state = state * 6364136223846793005ull + 1442695040888963407ull;
+    return static_cast<unsigned>(state >> 33) % bound;
+  };
+  for (int round = 0; round < 400; ++round) {
+    std::string pattern;
+    for (unsigned i = 0, n = 1 + next(4); i < n; ++i) {
+      pattern += atoms[next(sizeof atoms / sizeof atoms[0])];
+      pattern += counts[next(sizeof counts / sizeof counts[0])];
+    }
+    for (int v = 0; v < 20; ++v) {
+      std::string value;
+      for (unsigned i = 0, n = next(7); i < n; ++i) value += alphabet[next(sizeof alphabet - 1)];
+      EXPECT_EQ(TestRegEx(pattern, value), TestRegEx("(" + pattern + ")", value)) << pattern << " / " << value;
+    }
+  }
+}
+
 TEST(PrimitiveRestrictions, DefaultIsNothingSetAndFieldsAreFilledDirectly) {
   CPrimitiveRestrictions r;
   EXPECT_TRUE(r.pattern.empty());

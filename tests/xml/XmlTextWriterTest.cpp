@@ -254,3 +254,72 @@ TEST(XmlTextWriter, SettingsFlushAndClose) {
   EXPECT_NO_THROW(w.Close());
   EXPECT_TRUE(Throws<CKoException>([&] { w.WriteEndElement(); }, "There is no open Element to end."));
 }
+
+// A simple element written in one call is exactly what the three calls write,
+// in every namespace situation: none, the default one, one in scope, one
+// declared on the element itself (and not in scope for its next sibling),
+// no namespace under a default one, an alias with an empty prefix, and the
+// outermost element.
+TEST(XmlTextWriter, SimpleElementWritesWhatTheThreeCallsWrite) {
+  const auto document = [](bool oneCall, bool format) {
+    const auto simple = [oneCall](CXmlTextWriter& w, const std::string& name, const std::string& ns,
+                                  const std::string& text) {
+      if (oneCall)
+        w.WriteSimpleElement(name, ns, text, ItemType_string);
+      else
+        Element(w, name, text, ns);
+    };
+    return Write(
+        [&](CXmlTextWriter& w) {
+          w.AddNamespace("p", "urn:p");
+          w.AddNamespace("", "urn:empty");
+          w.SetDefaultNamespace("urn:d");
+          w.WriteStartElement("root", "urn:d");
+          simple(w, "a", "", "text & <more>\r\nline");
+          simple(w, "b", "urn:d", "");
+          simple(w, "c", "urn:p", std::string("\0hidden", 7));
+          simple(w, "d", "urn:new", "1");
+          simple(w, "e", "urn:new", "2");
+          simple(w, "f", "urn:empty", "<![CDATA[<raw & text>]]>");
+          w.WriteStartElement("inner", "urn:other");
+          simple(w, "g", "urn:other", "x");
+          simple(w, "h", "urn:new", "y");
+          w.WriteEndElement();
+          w.WriteEndElement();
+        },
+        format);
+  };
+  for (bool format : {true, false}) {
+    const std::string expected = document(false, format);
+    EXPECT_EQ(document(true, format), expected);
+    EXPECT_NE(expected.find("<AA:d xmlns:AA=\"urn:new\">1</AA:d>"), std::string::npos) << expected;
+  }
+  // The outermost element declares the root namespaces as ever.
+  EXPECT_EQ(Write([](CXmlTextWriter& w) {
+              w.AddNamespace("p", "urn:p");
+              w.WriteSimpleElement("r", "urn:p", "v", ItemType_string);
+            }),
+            "<p:r xmlns:p=\"urn:p\">v</p:r>\n");
+}
+
+// A derived writer may have operations of its own: a simple element reaches
+// them as the three calls.
+TEST(XmlTextWriter, ADerivedWriterGetsSimpleElementsAsThreeCalls) {
+  struct Counting : CXmlTextWriter {
+    using CXmlTextWriter::CXmlTextWriter;
+    void WriteStartElement(const std::string& localName, const std::string& namespaceUri) override {
+      ++starts;
+      CXmlTextWriter::WriteStartElement(localName, namespaceUri);
+    }
+    int starts = 0;
+  };
+  CTextStream stream(XmlEncoding_UTF8);
+  Counting writer(stream);
+  writer.Open();
+  writer.WriteStartElement("r", "");
+  writer.WriteSimpleElement("a", "", "1", ItemType_string);
+  writer.WriteEndElement();
+  writer.Close();
+  EXPECT_EQ(writer.starts, 2);
+  EXPECT_EQ(std::string(stream.GetText()), "<r>\n\t<a>1</a>\n</r>\n");
+}
