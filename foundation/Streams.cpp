@@ -1,5 +1,6 @@
 #include "KoXmlLib10/Streams.h"
 
+#include <climits>
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -73,6 +74,7 @@ XmlEncoding CTextStream::GetEncoding() const { return m_encoding; }
 CBinaryData CTextStream::GetEncodedStream() {
   switch (m_encoding) {
     case XmlEncoding_UTF8:
+      if (CBinaryData bytes; EncodeOwnUtf8Blocks(bytes)) return bytes;
       return CEncoder::LocalCodePageToUtf8Binary(GetText());
     case XmlEncoding_UTF16:
     case XmlEncoding_UTF16NoDecl:
@@ -81,6 +83,38 @@ CBinaryData CTextStream::GetEncodedStream() {
       throw CKoException(
           "Unknown Encoding, select UTF-8 (contact support@tesselbind.example for support)");
   }
+}
+
+// Text that is its own UTF-8 encoding is copied once, block by block,
+// instead of being joined first and copied again. As the encoders do, it
+// ends at the first NUL. False, having done nothing, when a block needs the
+// character conversion (or a character spans two blocks).
+bool CTextStream::EncodeOwnUtf8Blocks(CBinaryData& bytes) const {
+  const CStringBuffer& buffer = m_buffer;
+  const size_t count = buffer.m_blocks.size();
+  if (count < 2) return false;  // one block is already joined: nothing to save
+  std::vector<std::pair<const char*, size_t>> pieces;
+  pieces.reserve(count);
+  size_t total = 0;
+  for (size_t i = 0; i < count; ++i) {
+    const char* block = buffer.m_blocks[i];
+    size_t size = i + 1 < count ? buffer.m_blockSizes[i] : buffer.m_used;
+    const void* nul = std::memchr(block, '\0', size);
+    if (nul) size = static_cast<const char*>(nul) - block;
+    if (!LocalTextIsItsOwnUtf8(block, size)) return false;
+    pieces.emplace_back(block, size);
+    total += size;
+    if (nul) break;
+  }
+  if (total == 0 || total > ULONG_MAX) return false;
+  std::unique_ptr<unsigned char[]> copy(new unsigned char[total]);
+  unsigned char* out = copy.get();
+  for (const auto& [block, size] : pieces) {
+    std::memcpy(out, block, size);
+    out += size;
+  }
+  bytes = CBinaryData(copy.release(), static_cast<unsigned long>(total), true);
+  return true;
 }
 
 // ---- CFileTextStream --------------------------------------------------------

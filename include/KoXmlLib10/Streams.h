@@ -47,6 +47,9 @@ class KOXML_API CTextStream {
 
   CStringBuffer m_buffer;
   XmlEncoding m_encoding;
+
+ private:
+  bool EncodeOwnUtf8Blocks(CBinaryData& bytes) const;
 };
 
 // A text stream that moves its text to a file whenever it is flushed.

@@ -36,6 +36,7 @@ class KOXML_API CStringBuffer {
 
  private:
   friend class CStringBufferCursor;  // appends in place for the text writer
+  friend class CTextStream;          // encodes straight from the blocks
 
   std::vector<char*> m_blocks;
   std::vector<unsigned long> m_blockSizes;

@@ -57,6 +57,35 @@ TEST(Streams, MemoryTextStreamEncodings) {
   setlocale(LC_CTYPE, saved.c_str());
 }
 
+TEST(Streams, TextOverManyBlocksEncodesAsOneJoinedText) {
+  // Several buffer blocks of ASCII, a character split across two blocks,
+  // and a NUL at which the encoding stops, as for a joined text.
+  std::string ascii(10000, 'x');
+  for (size_t i = 0; i < ascii.size(); i += 7) ascii[i] = static_cast<char>('a' + i % 26);
+  const std::string saved = setlocale(LC_CTYPE, nullptr);
+  setlocale(LC_CTYPE, "C.UTF-8");
+  for (const std::string& tail : {std::string(), std::string("\xC3\xA9end"), std::string("ab\0cd", 5)}) {
+    for (size_t split : {size_t(0), size_t(4094), size_t(4095)}) {
+      CTextStream stream(XmlEncoding_UTF8);
+      stream.Append(ascii.substr(0, split));
+      stream.Append(ascii.substr(split));
+      stream.Append(tail.data(), static_cast<unsigned long>(tail.size()));
+      const std::string whole = ascii + tail;
+      const std::string expected = whole.substr(0, whole.find('\0'));
+      const Bytes encoded = BytesOf(stream.GetEncodedStream());
+      EXPECT_EQ(std::string(encoded.begin(), encoded.end()), expected) << split << " " << tail.size();
+      EXPECT_EQ(stream.GetLength(), whole.size());  // the text itself is kept
+    }
+  }
+  // A character whose bytes end up in two blocks still encodes whole.
+  CTextStream split(XmlEncoding_UTF8);
+  split.Append(std::string(4094, 'y'));
+  split.Append("\xC3\xA9z");
+  const Bytes encoded = BytesOf(split.GetEncodedStream());
+  EXPECT_EQ(std::string(encoded.begin(), encoded.end()), std::string(4094, 'y') + "\xC3\xA9z");
+  setlocale(LC_CTYPE, saved.c_str());
+}
+
 TEST(Streams, FileTextStreams) {
   const std::string path = testsupport::TempPath("streams.xml");
   {
