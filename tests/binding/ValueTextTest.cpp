@@ -16,83 +16,42 @@
 #include <KoXmlLib10.h>
 #include <KoXmlLib10/GeneratedSupport.h>
 
+#include "support/CustomClass.h"
 #include "support/GeneratorVersion.h"
 
 namespace {
 
-using namespace KoXmlLib10;
-using namespace KoXmlLib10Data;
+using namespace testmodel;
 
-// One value in an element "v" and the same value in an attribute "a", of
-// one item type with optional facets; the records of each shape are made
-// once and freed at exit, as generated code does.
-struct Shape {
-  ItemType type;
-  CPrimitiveRestrictions restrictions;
-};
+constexpr auto kPreserve = CWhitespaceUtils::WhitespaceRule_Preserve;
 
-struct Records {
-  CParentElementInfo* info = nullptr;
-  CElementInfo** elements = nullptr;
-  CAttributeInfo** attributes = nullptr;
-  explicit Records(const Shape& shape) {
-    info = new CParentElementInfo(XmlElementGroupTypeSequence, XmlElementTypeElement, "HolderType", "", false,
-                                  false, -1, ItemType_none, nullptr, false);
-    elements = new CElementInfo*[2]{new CElementInfoSeqPrimMnd("v", "", 0, false, shape.type, nullptr,
-                                                               CWhitespaceUtils::WhitespaceRule_Preserve,
-                                                               shape.restrictions),
-                                    nullptr};
-    attributes = new CAttributeInfo*[2]{new CAttributeInfoPrimitive("a", "", 0, false, shape.type, nullptr,
-                                                                     CWhitespaceUtils::WhitespaceRule_Preserve,
-                                                                     shape.restrictions, nullptr),
-                                        nullptr};
-  }
-  ~Records() { CXmlGeneratedClass::CleanMetaData(info, elements, attributes); }
-  Records(const Records&) = delete;
-  Records& operator=(const Records&) = delete;
-};
-
-class CHolder : public CXmlGeneratedClass {
- public:
-  CHolder(const Records& records, const KoVariant& value) : m_records(records), m_value(value) {
-    SetElementName("h");
-  }
-
-  CXmlObjectBase* GetBase() override { return this; }
-  std::string GetTargetNamespace() const override { return ""; }
-  std::string GetNamespace() const override { return ""; }
-  CParentElementInfo* GetClassInfo() override { return m_records.info; }
-  CElementInfo** GetClassElementInfo() override { return m_records.elements; }
-  CAttributeInfo** GetClassAttributeInfo() override { return m_records.attributes; }
-  void Init() override { m_value.SetInvalid(); }
-  void AccessProperty(int, bool get, KoVariant& value) override {
-    if (get)
-      value = m_value;
-    else
-      m_value = value;
-  }
-
- private:
-  const Records& m_records;
-  KoVariant m_value;
-};
+// One value in an element "v" and the same value in an attribute "a", of one
+// item type with optional facets. A test keeps one holder per kind, so its
+// records live through many values, as generated records do.
+CSmartPtr<CCustom> Holder(ItemType type, const CPrimitiveRestrictions& restrictions = CPrimitiveRestrictions()) {
+  return new CCustom(XmlElementGroupTypeSequence,
+                     {new CElementInfoSeqPrimMnd("v", "", 0, false, type, nullptr, kPreserve, restrictions)},
+                     {new CAttributeInfoPrimitive("a", "", 0, false, type, nullptr, kPreserve, restrictions, nullptr)});
+}
 
 class ValueText : public WithGeneratorVersion {
  protected:
-  std::string Written(const Records& records, const KoVariant& value) {
-    CSmartPtr<CHolder> holder(new CHolder(records, value));
-    return holder->ToXml(false, false, EOLTypeLF, CXmlSerializationContext::m_defaultContext);
+  std::string Written(CCustom& holder, const KoVariant& value) {
+    holder.value = value;
+    return holder.ToXml(false, false, EOLTypeLF, CXmlSerializationContext::m_defaultContext);
   }
   // The written text is exactly the conversion's.
-  void ExpectWritten(const Records& records, const KoVariant& value) {
+  void ExpectWritten(const CSmartPtr<CCustom>& holder, const KoVariant& value) {
     const std::string text = value.ToString(nullptr);
-    EXPECT_EQ(Written(records, value), "<h a=\"" + text + "\"><v>" + text + "</v></h>") << text;
+    EXPECT_EQ(Written(*holder, value),
+              "<AA:custom xmlns:AA=\"urn:test\" a=\"" + text + "\"><v>" + text + "</v></AA:custom>")
+        << text;
   }
 };
 
 TEST_F(ValueText, RealsAsPrintfWritesThem) {
-  const Records r8s(Shape{ItemType_r8, {}});
-  const Records r4s(Shape{ItemType_r4, {}});
+  const auto r8s = Holder(ItemType_r8);
+  const auto r4s = Holder(ItemType_r4);
   std::mt19937_64 random(17);
   std::vector<double> doubles = {0.0, -0.0, 1.0, -1.5, 0.1, 1e-300, 5e-324, 1e300, DBL_MAX, -DBL_MAX,
                                  123456789012345678.0, 1e16, 1e15, 9999999999999998.0, 0.000123,
@@ -118,9 +77,9 @@ TEST_F(ValueText, RealsAsPrintfWritesThem) {
 
 TEST_F(ValueText, WholeNumbersOfEveryWidth) {
   std::mt19937_64 random(5);
-  const Records i1s(Shape{ItemType_i1, {}}), i2s(Shape{ItemType_i2, {}}), i4s(Shape{ItemType_i4, {}}),
-      i8s(Shape{ItemType_i8, {}}), ui1s(Shape{ItemType_ui1, {}}), ui2s(Shape{ItemType_ui2, {}}),
-      ui4s(Shape{ItemType_ui4, {}}), ui8s(Shape{ItemType_ui8, {}});
+  const auto i1s = Holder(ItemType_i1), i2s = Holder(ItemType_i2), i4s = Holder(ItemType_i4),
+      i8s = Holder(ItemType_i8), ui1s = Holder(ItemType_ui1), ui2s = Holder(ItemType_ui2),
+      ui4s = Holder(ItemType_ui4), ui8s = Holder(ItemType_ui8);
   std::vector<uint64_t> samples = {0, 1, 127, 128, 255, 32767, 32768, 65535, 0x7fffffffull, 0x80000000ull,
                                    0xffffffffull, 0x7fffffffffffffffull, 0x8000000000000000ull, ~0ull};
   for (int i = 0; i < 500; ++i) samples.push_back(random() >> (random() % 64));
@@ -146,10 +105,10 @@ TEST_F(ValueText, WholeNumbersOfEveryWidth) {
 }
 
 TEST_F(ValueText, DatesDecimalsIntegersAndBooleans) {
-  const Records dates(Shape{ItemType_date, {}}), dateTimes(Shape{ItemType_datetime, {}}),
-      times(Shape{ItemType_time, {}}), yearMonths(Shape{ItemType_yearMonth, {}}),
-      monthDays(Shape{ItemType_monthDay, {}}), decimals(Shape{ItemType_decimal, {}}),
-      integers(Shape{ItemType_integer, {}}), booleans(Shape{ItemType_boolean, {}});
+  const auto dates = Holder(ItemType_date), dateTimes = Holder(ItemType_datetime),
+      times = Holder(ItemType_time), yearMonths = Holder(ItemType_yearMonth),
+      monthDays = Holder(ItemType_monthDay), decimals = Holder(ItemType_decimal),
+      integers = Holder(ItemType_integer), booleans = Holder(ItemType_boolean);
   using C = CConversions;
   constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
   for (const char* text : {"2024-02-29T23:59:58Z", "-0044-03-15T12:00:00.5+01:30", "9999-12-31T23:59:59",
@@ -202,8 +161,8 @@ TEST_F(ValueText, FacetsCheckedOnEveryValueWritten) {
   either.pattern = "a|ab";  // the whole value must match, not a prefix
   CPrimitiveRestrictions day;
   day.minInclusive = "2000-01-01";
-  const Records prices(Shape{ItemType_decimal, money}), skus(Shape{ItemType_string, sku}),
-      eithers(Shape{ItemType_string, either}), days(Shape{ItemType_date, day});
+  const auto prices = Holder(ItemType_decimal, money), skus = Holder(ItemType_string, sku),
+      eithers = Holder(ItemType_string, either), days = Holder(ItemType_date, day);
   using C = CConversions;
   constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
   for (int round = 0; round < 3; ++round) {
@@ -211,21 +170,21 @@ TEST_F(ValueText, FacetsCheckedOnEveryValueWritten) {
     value.SetDecimal(C::decimalFromString("100.49", kNone));
     ExpectWritten(prices, value);
     value.SetDecimal(C::decimalFromString("100.5", kNone));
-    EXPECT_THROW(Written(prices, value), CKoException);
+    EXPECT_THROW(Written(*prices, value), CKoException);
     value.SetDecimal(C::decimalFromString("-0.01", kNone));
-    EXPECT_THROW(Written(prices, value), CKoException);
+    EXPECT_THROW(Written(*prices, value), CKoException);
     value.SetString("ABC-1234");
     ExpectWritten(skus, value);
     value.SetString("ABC-12345");
-    EXPECT_THROW(Written(skus, value), CKoException);
+    EXPECT_THROW(Written(*skus, value), CKoException);
     value.SetString("ab");
     ExpectWritten(eithers, value);
     value.SetString("abc");
-    EXPECT_THROW(Written(eithers, value), CKoException);
+    EXPECT_THROW(Written(*eithers, value), CKoException);
     value.SetDate(C::dateFromString("2000-01-01", kNone));
     ExpectWritten(days, value);
     value.SetDate(C::dateFromString("1999-12-31", kNone));
-    EXPECT_THROW(Written(days, value), CKoException);
+    EXPECT_THROW(Written(*days, value), CKoException);
   }
 }
 
