@@ -132,7 +132,8 @@ TEST(ReadPath, MemberObjectsAreLeftWithTheOwnersReferenceAlone) {
 using Offer = std::tuple<int, ItemType, std::string, CWhitespaceUtils::WhitespaceRule>;
 
 // Declines every offer, so the engine falls back to a KoVariant.
-class CDecliningPerson : public CPerson {
+template <class Base>
+class CDeclining : public Base {
  public:
   bool StorePropertyText(int id, ItemType type, const std::string& text, CWhitespaceUtils::WhitespaceRule rule) override {
     offers.emplace_back(id, type, text, rule);
@@ -140,6 +141,8 @@ class CDecliningPerson : public CPerson {
   }
   std::vector<Offer> offers;
 };
+using CDecliningPerson = CDeclining<CPerson>;
+using CDecliningPrice = CDeclining<CPrice>;
 
 // Takes the name itself and declines the rest.
 class CNameTakingPerson : public CDecliningPerson {
@@ -150,15 +153,6 @@ class CNameTakingPerson : public CDecliningPerson {
     name = "taken:" + text;
     return true;
   }
-};
-
-class CDecliningPrice : public CPrice {
- public:
-  bool StorePropertyText(int id, ItemType type, const std::string& text, CWhitespaceUtils::WhitespaceRule rule) override {
-    offers.emplace_back(id, type, text, rule);
-    return false;
-  }
-  std::vector<Offer> offers;
 };
 
 TEST(ReadPath, PrimitiveValuesAreOfferedAsTextBeforeAVariant) {
