@@ -9,14 +9,13 @@
 #include <string>
 #include <vector>
 
+#include "support/CustomClass.h"
 #include "support/GeneratorVersion.h"
 
 namespace {
 
-using namespace KoXmlLib10;
-using namespace KoXmlLib10Data;
+using namespace testmodel;
 
-constexpr char kNs[] = "urn:read-values";
 constexpr auto kPreserve = CWhitespaceUtils::WhitespaceRule_Preserve;
 constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
 
@@ -119,43 +118,12 @@ TEST_F(ReadValues, ReadingFromAnElementLeavesTheTreeAsItWas) {
   EXPECT_EQ(seen, (std::vector<std::string>{"first", " second ", "third", "1.5"}));
 }
 
-// <outer><e>second</e></outer>, where turning the text of e into its
+// <custom><e>second</e></custom>, where turning the text of e into its
 // enumeration value reads another document first.
 std::string g_seenAfterNestedRead;
 std::string g_nestedValue;
 
-int NestedTextToEnum(const char* text);
-
-class COuter : public CXmlGeneratedClass {
- public:
-  COuter() { SetElementName("outer"); }
-  long e = -1;
-
-  CXmlObjectBase* GetBase() override { return this; }
-  std::string GetTargetNamespace() const override { return kNs; }
-  std::string GetNamespace() const override { return kNs; }
-  void AccessProperty(int, bool get, KoVariant& value) override {
-    get ? value.SetI4(e) : void(e = value.GetI4());
-  }
-  CParentElementInfo* GetClassInfo() override { return Meta().info; }
-  CElementInfo** GetClassElementInfo() override { return Meta().elements; }
-  CAttributeInfo** GetClassAttributeInfo() override { return Meta().attributes; }
-  void Init() override { e = -1; }
-
- private:
-  static const char* EnumToText(int) { return "second"; }
-  static Records& Meta() {
-    static Records records = [] {
-      Records r;
-      r.info = SequenceInfo("Outer");
-      r.elements = new CElementInfo*[2]{
-          new CElementInfoSeqEnumMnd("e", kNs, 0, false, &COuter::EnumToText, &NestedTextToEnum), nullptr};
-      r.attributes = new CAttributeInfo*[1]{nullptr};
-      return r;
-    }();
-    return records;
-  }
-};
+const char* SecondText(int) { return "second"; }
 
 int NestedTextToEnum(const char* text) {
   CTexts nested;
@@ -167,10 +135,11 @@ int NestedTextToEnum(const char* text) {
 }
 
 TEST_F(ReadValues, AValueReadWhileAnotherIsParsedLeavesItsTextAlone) {
-  COuter outer;
-  outer.FromXml((std::string("<outer xmlns=\"") + kNs + "\"><e>second</e></outer>").c_str(),
-                CXmlSerializationContext::m_defaultContext);
-  EXPECT_EQ(outer.e, 2);
+  auto* record = new CElementInfoSeqEnumMnd("e", kNs, 0, false, &SecondText, &NestedTextToEnum);
+  CSmartPtr<CCustom> outer(new CCustom(XmlElementGroupTypeSequence, {record}));
+  outer->FromXml((std::string("<custom xmlns=\"") + kNs + "\"><e>second</e></custom>").c_str(),
+                 CXmlSerializationContext::m_defaultContext);
+  EXPECT_EQ(outer->value.GetI4(), 2);
   EXPECT_EQ(g_nestedValue, "nested b");
   EXPECT_EQ(g_seenAfterNestedRead, "second");
 }
