@@ -534,14 +534,10 @@ TEST(RecordWriting, EmptyChoiceRules) {
   EXPECT_NO_THROW(loose->ToXml(false, false, EOLTypeLF, Context(None)));
 }
 
-TEST(RecordWriting, PseudoChildAttributesStandOnTheOwnerAfterItsOwn) {
-  CSmartPtr<CObject> o = MinimalSeq();
-  o->Member<CObject>(seqroot::pseudo)->Set(pseudop::pa, Text("on-owner"));
-  const std::string out = Write(*o);
-  const std::string startTag = out.substr(0, out.find('>'));
-  EXPECT_LT(startTag.find("id=\"1\""), startTag.find("pa=\"on-owner\"")) << out;
-  EXPECT_NE(startTag.find("pa=\"on-owner\""), std::string::npos) << out;
-  // So does an item of a collection of pseudo elements.
+// A pseudo child's attributes stand on the owner after its own (held byte for
+// byte in the engine's writing tests); so do those of an item of a collection
+// of pseudo elements.
+TEST(RecordWriting, PseudoItemAttributesStandOnTheOwner) {
   CSmartPtr<CXmlObjectBase> cp = New(ChoicePseudo, "cp");
   auto& choice = static_cast<CObject&>(*cp);
   CSmartPtr<CObject> item = choice.Member<CObjectCol>(choicepseudo::other)->AddNew();
