@@ -222,33 +222,8 @@ TEST(FastInfosetWriter, TerminatorsShareOctetsWhenTheyFollowEachOther) {
 
 // An attribute list always ends with F0 when its start tag closes; the
 // element's own terminator then pairs with the next terminator, if any.
+// (<r a="v"/> and two such siblings: FastInfosetTerminatorForms.)
 TEST(FastInfosetWriter, AttributeListsEndBeforeTheElementTerminator) {
-  Fi alone;
-  alone.writer.WriteStartDocument(FInfoDeclNone);
-  alone.writer.WriteStartElement("r", "");  // <r a="v"/>
-  alone.writer.WriteAttributeString("a", "", "v", ItemType_string);
-  alone.writer.WriteEndElement();
-  alone.writer.WriteEndDocument();
-  EXPECT_EQ(alone.Hex(), "E0 00 00 01 00 78 F0 3C 00 72 78 00 61 40 76 F0 FF");
-
-  Fi siblings;  // <r><c x="1"/><c x="1"/></r>
-  CFastInfosetWriter& w = siblings.writer;
-  w.WriteStartDocument(FInfoDeclNone);
-  w.WriteStartElement("r", "");
-  for (int i = 0; i < 2; ++i) {
-    w.WriteStartElement("c", "");
-    w.WriteAttributeString("x", "", "1", ItemType_string);
-    w.WriteEndElement();
-  }
-  w.WriteEndElement();
-  w.WriteEndDocument();
-  EXPECT_EQ(siblings.Hex(5),
-            "38 F0 3C 00 72 "
-            "7C 00 63 78 00 78 40 31 F0 "  // <c x="1"> and the end of its attributes
-            "F0 "                           // </c>, padded before the next start
-            "41 00 80 F0 "                  // <c x="1">: name, attribute and value by index
-            "FF F0");                       // </c></r>, then the document's end
-
   Fi nested;  // the attribute list of an element closed by a child, then by text
   CFastInfosetWriter& n = nested.writer;
   n.WriteStartDocument(FInfoDeclNone);
