@@ -306,7 +306,6 @@ TEST(FastInfosetWriter, DeclarationsAndExternalVocabulary) {
     Fi fi;
     fi.writer.WriteStartDocument(static_cast<FInfoDecl>(decl));
     EXPECT_EQ(fi.Hex(), HexOf(declarations[decl - 1]) + "E0 00 00 01 00") << decl;
-    EXPECT_STREQ(FI_DECLARATION_LIST[decl - 1], declarations[decl - 1]);
   }
   Fi bad;
   EXPECT_THROW(bad.writer.WriteStartDocument(static_cast<FInfoDecl>(10)), CKoException);
@@ -371,50 +370,6 @@ TEST(FastInfosetWriter, MisuseFails) {
   w.WritePI("<?pi?>");
   w.WriteInlineSchema("<schema/>");
   EXPECT_EQ(fi.Hex(5), "38 F0 3C 00 61 90 78");
-}
-
-TEST(FastInfosetWriter, ReadsBackThroughTheLibrarysReader) {
-  Fi fi;
-  fi.context.SetEncoding(ItemType_date, EncodedCharacterString{1, 2});
-  fi.context.SetEncoding(ItemType_decimal, EncodedCharacterString{1, 1});
-  CFastInfosetWriter& w = fi.writer;
-  w.WriteStartDocument(FInfoDecl10);
-  w.SetDefaultNamespace("urn:d");
-  w.AddNamespace("xsi", kXsi);
-  w.WriteStartElement("r", "urn:d");
-  for (int i = 0; i < 3; ++i) {  // names and values are indexes from the second item on
-    w.WriteStartElement("item", "urn:d");
-    w.WriteAttributeString("n", "", "-7", ItemType_decimal);
-    w.WriteAttributeType("urn:t", "T", ItemType_string);
-    w.WriteString("2024-05-01", ItemType_date);
-    w.WriteString("12.5", ItemType_decimal);
-    w.WriteEndElement();
-  }
-  w.WriteStartElement("none", "");
-  w.WriteAttributeNil();
-  w.WriteEndElement();
-  w.WriteEndElement();
-  w.WriteEndDocument();
-
-  const CBinaryData bytes = fi.stream.GetBinaryStream();
-  CXmlDocument document;
-  document.LoadXmlStream(bytes.GetData(), bytes.GetLength());
-  const CXmlElement* root = document.GetDocumentElement();
-  ASSERT_NE(root, nullptr);
-  EXPECT_EQ(root->GetNamespaceURI(), "urn:d");
-  int items = 0;
-  const CXmlElement* child = root->GetFirstElement();
-  for (; child && child->GetLocalName() == "item"; child = child->GetNextSiblingElement(), ++items) {
-    EXPECT_EQ(child->GetNamespaceURI(), "urn:d");
-    EXPECT_EQ(child->GetAttribute("n", ""), "-7");
-    EXPECT_EQ(child->GetAttribute("type", kXsi), "AA:T");
-    EXPECT_EQ(child->GetText(), "2024-05-0112.5");
-  }
-  EXPECT_EQ(items, 3);
-  EXPECT_EQ(document.LookupNamespaceFromAlias("AA"), "urn:t");
-  ASSERT_NE(child, nullptr);
-  EXPECT_EQ(child->GetNamespaceURI(), "");
-  EXPECT_EQ(child->GetAttribute("nil", kXsi), "true");
 }
 
 // A simple element written in one call gives exactly the octets of the three

@@ -10,6 +10,7 @@
 #include <functional>
 #include <utility>
 #include <string>
+#include <vector>
 
 using testsupport::Throws;
 
@@ -92,20 +93,17 @@ TEST(DateTime, ParsesAndPrintsEveryKind) {
 
 TEST(DateTime, FractionDigitsSplitIntoGroups) {
   CDateTime t;
+  const auto fraction = [&t] { return std::vector<int>({t.GetMilliSecond(), t.GetMicroSecond(), t.GetNanoSecond()}); };
   t.ParseXSDTime("12:30:00.5");
-  EXPECT_EQ(t.GetMilliSecond(), 500);
+  EXPECT_EQ(fraction(), std::vector<int>({500, 0, 0}));
   EXPECT_EQ(t.ToString(), "12:30:00.5");
   t.ParseXSDTime("12:30:00.0005");
-  EXPECT_EQ(t.GetMilliSecond(), 0);
-  EXPECT_EQ(t.GetMicroSecond(), 500);
+  EXPECT_EQ(fraction(), std::vector<int>({0, 500, 0}));
   t.ParseXSDTime("12:30:07.123456789+01:00");
-  EXPECT_EQ(t.GetMilliSecond(), 123);
-  EXPECT_EQ(t.GetMicroSecond(), 456);
-  EXPECT_EQ(t.GetNanoSecond(), 789);
+  EXPECT_EQ(fraction(), std::vector<int>({123, 456, 789}));
   EXPECT_DOUBLE_EQ(t.GetRealSecond(), 7.123456789);
   EXPECT_EQ(t.GetZoneHour(), 1);
-  t.ParseXSDTime("00:00:00.000000001");
-  EXPECT_EQ(t.ToString(), "00:00:00.000000001");
+  EXPECT_EQ(RoundTrip("00:00:00.000000001", &CDateTime::ParseXSDTime), "00:00:00.000000001");
   EXPECT_TRUE(Throws<CKoInvalidValueException>([] { CDateTime().ParseXSDTime("12:30:00.1234567891"); },
             "Invalid XSD Time [12:30:00.1234567891] Fraction part too long"));
 }
