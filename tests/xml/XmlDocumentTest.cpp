@@ -138,23 +138,6 @@ TEST(XmlDocument, LoadErrors) {
   EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "ok");
 }
 
-TEST(XmlDocument, FilesAndCompressedStreams) {
-  const std::string xml = "<?xml version=\"1.0\"?>\n<r a=\"1\">" + std::string(300, ' ') + "<c>text</c></r>";
-  const std::string path = TempPath("doc.xml");
-  WriteFile(path, xml);
-  CXmlDocument doc;
-  doc.Load(path.c_str());
-  EXPECT_EQ(doc.GetDocumentElement()->GetAttribute("a", ""), "1");
-
-  for (CompressionType type : {CompressionTypeGzip, CompressionTypeZlib}) {
-    CBinaryData packed(Bytes(xml), xml.size(), false);
-    CKoZip::CompressData(packed, type);
-    CXmlDocument fromStream;
-    fromStream.LoadXmlStream(packed.GetData(), packed.GetLength());
-    EXPECT_EQ(fromStream.GetDocumentElement()->GetFirstElement()->GetText(), "text");
-  }
-}
-
 TEST(XmlDocument, DeepNesting) {
   CXmlDocument ok;
   ok.LoadXml(Nested(CXmlDocument::MAX_ELEMENT_DEPTH).c_str());
