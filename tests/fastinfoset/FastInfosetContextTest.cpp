@@ -30,12 +30,14 @@ TEST(FIVocabulary, QualifiedNamesShareTheirParts) {
   v.AddElement("", "urn:a", "x");
   ASSERT_EQ(v.GetElementNamesTable().size(), 1u);
   const CQNameParts& x = v.GetElementNamesTable()[0];
-  EXPECT_EQ(std::vector<unsigned long>({x.prefix, x.namespaceName, x.localName}), std::vector<unsigned long>({0, 2, 1}));
+  EXPECT_EQ(std::vector<unsigned long>({x.prefix, x.namespaceName, x.localName}),
+            std::vector<unsigned long>({0, 2, 1}));
 
   v.AddAttribute("p", "urn:a", "x");  // reuses namespace and local name, adds the prefix
   ASSERT_EQ(v.GetAttributeNamesTable().size(), 1u);
   const CQNameParts& a = v.GetAttributeNamesTable()[0];
-  EXPECT_EQ(std::vector<unsigned long>({a.prefix, a.namespaceName, a.localName}), std::vector<unsigned long>({2, 2, 1}));
+  EXPECT_EQ(std::vector<unsigned long>({a.prefix, a.namespaceName, a.localName}),
+            std::vector<unsigned long>({2, 2, 1}));
   EXPECT_EQ(v.GetLocalNamesTable().size(), 1u);
   unsigned long index = 0;
   EXPECT_TRUE(CFIVocabulary::FindIndex(v.GetAttributeNamesMap(),

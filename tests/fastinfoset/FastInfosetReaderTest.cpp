@@ -83,7 +83,8 @@ std::string Root(const std::string& body, int elementOctet = 0x38) {
 TEST(FastInfosetReader, HeaderRecognition) {
   CXmlDocument doc;
   const std::string ax("\xE0\x00\x00\x01\x00\x38\xF0\x3C\x00\x61\x90\x78\xFF", 13);
-  for (const std::string& bytes : {ax, "<?xml encoding='finf'?>" + ax, std::string("<?xml version=\"1.0\"?><a>x</a>")}) {
+  const std::string text = "<?xml version=\"1.0\"?><a>x</a>";
+  for (const std::string& bytes : {ax, "<?xml encoding='finf'?>" + ax, text}) {
     ASSERT_TRUE(LoadBytes(doc, bytes));
     EXPECT_EQ(Dump(doc.GetDocumentElement()), "(a{}[x])") << bytes;
   }

@@ -6,7 +6,8 @@ using namespace KoXmlLib10;
 
 TEST(StringUtils, FractionSuffix) {
   const struct { int milli, micro, nano; const char* suffix; } cases[] = {
-      {0, 0, 0, ""}, {500, 0, 0, ".5"}, {120, 0, 0, ".12"}, {0, 250, 0, ".00025"}, {1, 2, 3, ".001002003"}, {0, 0, 5, ".000000005"}};
+      {0, 0, 0, ""}, {500, 0, 0, ".5"}, {120, 0, 0, ".12"}, {0, 250, 0, ".00025"},
+      {1, 2, 3, ".001002003"}, {0, 0, 5, ".000000005"}};
   for (const auto& c : cases) EXPECT_EQ(ToFracString(c.milli, c.micro, c.nano), c.suffix) << c.suffix;
 }
 
@@ -19,7 +20,8 @@ TEST(StringUtils, TrimAndPad) {
 TEST(StringUtils, FindReplaceRestartsAndTerminates) {
   // Restarting from the front collapses every 'a'; a replacement may contain
   // the search text; an empty search text changes nothing.
-  const char* const cases[][4] = {{"aaab", "ab", "b", "b"}, {"x&y&", "&", "&amp;", "x&amp;y&amp;"}, {"abc", "", "z", "abc"}};
+  const char* const cases[][4] = {
+      {"aaab", "ab", "b", "b"}, {"x&y&", "&", "&amp;", "x&amp;y&amp;"}, {"abc", "", "z", "abc"}};
   for (const auto& c : cases) {
     std::string s = c[0];
     FindReplace(s, c[1], c[2]);

@@ -42,8 +42,8 @@ TEST(BigInteger, ParsesIntegerTextAndZeroHasNoSign) {
   EXPECT_TRUE(minusZero == CBigInteger(0));
   EXPECT_FALSE(minusZero < CBigInteger(0));
   EXPECT_FALSE(CBigInteger(0) < minusZero);
-  const char* const texts[][2] = {{"000123", "123"}, {"  -42  ", "-42"}, {"\t-42\n", "-42"}, {"+5", "5"}, {"12 34", "34"},
-                                  {"", "0"}, {"-", "0"}, {"999999999999999999", "999999999999999999"},
+  const char* const texts[][2] = {{"000123", "123"}, {"  -42  ", "-42"}, {"\t-42\n", "-42"}, {"+5", "5"},
+                                  {"12 34", "34"}, {"", "0"}, {"-", "0"}, {"999999999999999999", "999999999999999999"},
                                   {"9999999999999999999", "9999999999999999999"},
                                   {"-18446744073709551616", "-18446744073709551616"}, {"1.9", "2"}, {"1.5", "1"},
                                   {"2.5", "2"}, {"2.51", "3"}, {"-1.9", "-2"}, {"-2.5", "-2"}, {"-0.4", "0"},
@@ -75,9 +75,11 @@ TEST(BigInteger, NonIntegerTextIsRoundedHalfTowardZero) {
 
 TEST(BigInteger, DivisionTruncatesAndRejectsDivisors) {
   const int quotients[][3] = {{7, -2, -3}, {-7, 2, -3}, {-7, -2, 3}, {0, -2, 0}};
-  for (const auto& q : quotients) EXPECT_EQ(Str(CBigInteger(q[0]) / CBigInteger(q[1])), std::to_string(q[2])) << q[0] << "/" << q[1];
+  for (const auto& q : quotients)
+    EXPECT_EQ(Str(CBigInteger(q[0]) / CBigInteger(q[1])), std::to_string(q[2])) << q[0] << "/" << q[1];
   const int remainders[][3] = {{7, 2, 1}, {-7, 2, -1}, {-6, 2, 0}};
-  for (const auto& r : remainders) EXPECT_EQ(Str(CBigInteger(r[0]) % CBigInteger(r[1])), std::to_string(r[2])) << r[0] << "%" << r[1];
+  for (const auto& r : remainders)
+    EXPECT_EQ(Str(CBigInteger(r[0]) % CBigInteger(r[1])), std::to_string(r[2])) << r[0] << "%" << r[1];
 
   CBigInteger x(7);
   EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { x / CBigInteger(0); },
@@ -145,8 +147,10 @@ TEST(BigInteger, SquareRootAndIntConversion) {
 
 TEST(BigInteger, LimitsAreBuiltFromText) {
   EXPECT_EQ(Str(CBigInteger::MAX_LONG) + " " + Str(CBigInteger::MIN_LONG), "2147483647 -2147483648");
-  EXPECT_EQ(Str(CBigInteger::MAX_LONGLONG) + " " + Str(CBigInteger::MIN_LONGLONG), "9223372036854775807 -9223372036854775808");
-  EXPECT_EQ(Str(CBigInteger::MAX_DOUBLE) + " " + Str(CBigInteger::MIN_DOUBLE), "17" + std::string(307, '0') + " -17" + std::string(307, '0'));
+  EXPECT_EQ(Str(CBigInteger::MAX_LONGLONG) + " " + Str(CBigInteger::MIN_LONGLONG),
+            "9223372036854775807 -9223372036854775808");
+  const std::string zeros(307, '0');
+  EXPECT_EQ(Str(CBigInteger::MAX_DOUBLE) + " " + Str(CBigInteger::MIN_DOUBLE), "17" + zeros + " -17" + zeros);
 }
 
 // Short digit text is read without the general scan; a trailing space sends

@@ -116,7 +116,8 @@ TEST(Conversions, FloatSpecialsAndFormats) {
       {0.1, "0.1"}, {1.0 / 3, "0.3333333333333333"}, {1e300, "1e+300"}, {std::nan(""), "NaN"}, {-inf, "-INF"}};
   for (const auto& [value, text] : doubles) EXPECT_EQ(C::r8ToString(value), text);
   const std::pair<float, const char*> floats[] = {
-      {1.0f / 3, "0.3333333"}, {std::numeric_limits<float>::infinity(), "INF"}, {std::numeric_limits<float>::max(), "3.402823e+38"}};
+      {1.0f / 3, "0.3333333"}, {std::numeric_limits<float>::infinity(), "INF"},
+      {std::numeric_limits<float>::max(), "3.402823e+38"}};
   for (const auto& [value, text] : floats) EXPECT_EQ(C::r4ToString(value), text);
   EXPECT_EQ(C::r8ToString(2.5, "%.3f"), "2.500");
   EXPECT_EQ(C::r4ToString(2.5f, "[%+08.2e]%%"), "[+2.50e+00]%");

@@ -40,7 +40,8 @@ TEST(DateTimeSpan, ParsesComponentsAsWritten) {
             std::vector<int>({123, 456, 789}));
   EXPECT_EQ(Span("PT0.000000001S").GetNanoSeconds(), 1);
   EXPECT_TRUE(Span("P1MT1M").GetMonths() == 1u && Span("P1MT1M").GetMinutes() == 1u);
-  for (const auto& [text, printed] : {std::pair{"-PT1.5S", "-PT1.5S"}, {"PT0.000000001S", "PT0.000000001S"}, {"PT90M", "PT90M"}, {"PT.5S", "PT0.5S"}})
+  for (const auto& [text, printed] : {std::pair{"-PT1.5S", "-PT1.5S"}, {"PT0.000000001S", "PT0.000000001S"},
+                                      {"PT90M", "PT90M"}, {"PT.5S", "PT0.5S"}})
     EXPECT_EQ(Span(text).ToString(), printed) << text;
   // A zero duration prints in a form that parses back.
   EXPECT_EQ(CDateTimeSpan().ToString(), "PT0S");
@@ -63,8 +64,9 @@ TEST(DateTimeSpan, OrderThroughReferenceInstants) {
   EXPECT_EQ(month.CompareTo(thirtyDays), 3);  // indeterminate: only != holds
   EXPECT_TRUE(!(month == thirtyDays) && !(month < thirtyDays) && !(month > thirtyDays) && month != thirtyDays);
   // A leap day lies in only some years, so P1Y and P365D are indeterminate.
-  const std::tuple<const char*, const char*, int> orders[] = {{"P1D", "PT24H", 0}, {"PT1H", "PT2H", 1}, {"P1Y", "P365D", 3},
-      {"P1Y", "P364D", 2}, {"-P1D", "PT1H", 1}, {"P1M", "P27D", 2}, {"PT90M", "PT1H30M", 0}};
+  const std::tuple<const char*, const char*, int> orders[] = {
+      {"P1D", "PT24H", 0}, {"PT1H", "PT2H", 1}, {"P1Y", "P365D", 3},   {"P1Y", "P364D", 2},
+      {"-P1D", "PT1H", 1}, {"P1M", "P27D", 2}, {"PT90M", "PT1H30M", 0}};
   for (const auto& [a, b, order] : orders) EXPECT_EQ(Span(a).CompareTo(Span(b)), order) << a << " vs " << b;
   CDateTimeSpan huge;
   huge.SetMinutes(~0ULL);  // far past the year range: still ordered, never thrown

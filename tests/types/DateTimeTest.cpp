@@ -53,7 +53,8 @@ TEST(DateTime, LeapYearsAndFloorArithmetic) {
   for (int year : {2000, 2004, -4, -400}) EXPECT_TRUE(IsLeapYear(year)) << year;
   for (int year : {1900, 2001, -100, -1}) EXPECT_FALSE(IsLeapYear(year)) << year;
   // {a, b, floor quotient, modulo}; LLONG_MIN / -1 overflows long long and must not trap.
-  const long long cases[][4] = {{-1, 12, -1, 11}, {-12, 12, -1, 0}, {25, 12, 2, 1}, {-7, -1, 7, 0}, {LLONG_MIN, -1, 0, 0}};
+  const long long cases[][4] = {
+      {-1, 12, -1, 11}, {-12, 12, -1, 0}, {25, 12, 2, 1}, {-7, -1, 7, 0}, {LLONG_MIN, -1, 0, 0}};
   for (const auto& c : cases) {
     EXPECT_EQ(GetQuotient(c[0], c[1]), c[2]) << c[0] << "/" << c[1];
     EXPECT_EQ(GetModulo(c[0], c[1]), c[3]) << c[0] << "%" << c[1];
@@ -213,7 +214,8 @@ TEST(DateTime, PrintingFormatsAndZones) {
   EXPECT_EQ(midnight.ToString(), "00:00:00");
   for (const char* format : {"G", "", static_cast<const char*>(nullptr)}) EXPECT_EQ(midnight.ToString(format), "");
   // Only "s" (and the empty forms) are formats; anything else is named in the result.
-  for (const char* format : {"x", "S", "s "}) EXPECT_EQ(midnight.ToString(format), std::string("Unknown Format: ") + format);
+  for (const char* format : {"x", "S", "s "})
+    EXPECT_EQ(midnight.ToString(format), std::string("Unknown Format: ") + format);
   EXPECT_TRUE(Throws<CKoInvalidValueException>([] { CDateTime(CDateTime::dt_date).ToString("x"); },
             "Date Not Set"));
   midnight.SetTimeZone(-5, 30);
@@ -273,7 +275,8 @@ TEST(DateTime, AddingDurationsCarries) {
       {"2000-02-28T00:00:00", "P1D", "2000-02-29T00:00:00"}, {"2001-03-01T00:00:00", "-P1D", "2001-02-28T00:00:00"},
       {"1999-12-31T23:00:00", "PT25H", "2000-01-02T00:00:00"}, {"2000-01-31T00:00:00", "P1M", "2000-02-29T00:00:00"},
       {"2001-01-31T00:00:00", "P1M1D", "2001-03-01T00:00:00"}, {"2000-03-31T10:00:00Z", "-P13M", "1999-02-28T10:00:00Z"},
-      {"-0001-12-31T23:59:59", "PT1S", "0001-01-01T00:00:00"}, {"-0004-02-28T12:00:00", "PT12H", "-0004-02-29T00:00:00"},
+      {"-0001-12-31T23:59:59", "PT1S", "0001-01-01T00:00:00"},
+      {"-0004-02-28T12:00:00", "PT12H", "-0004-02-29T00:00:00"},
       {"2000-01-01T12:00:00.999999999", "PT0.000000001S", "2000-01-01T12:00:01"},
       {"2000-01-01T00:00:00", "-PT0.000001S", "1999-12-31T23:59:59.999999"}};
   for (const auto& c : cases) EXPECT_EQ(add(c[0], c[1]), c[2]) << c[0] << " + " << c[1];
@@ -336,6 +339,8 @@ TEST(DateTime, TimeConversionIgnoresProcessZone) {
   EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { time.GetTime(); },
             "Failed to GetTime, Date Status must be dateTime or date. Invalid Date Type: time."));
   gYear.SetGYear(2000);
-  EXPECT_TRUE(Throws<CKoInvalidStateException>([&] { gYear.GetDayOfYear(); }, "Failed to GetDayOfYear. Invalid Date Type: gYear."));
-  EXPECT_TRUE(Throws<CKoInvalidStateException>([&] { gYear.GetDayOfWeek(); }, "Failed to GetDayOfWeek. Invalid Date Type: gYear."));
+  EXPECT_TRUE(Throws<CKoInvalidStateException>([&] { gYear.GetDayOfYear(); },
+                                                "Failed to GetDayOfYear. Invalid Date Type: gYear."));
+  EXPECT_TRUE(Throws<CKoInvalidStateException>([&] { gYear.GetDayOfWeek(); },
+                                                "Failed to GetDayOfWeek. Invalid Date Type: gYear."));
 }

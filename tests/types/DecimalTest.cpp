@@ -109,7 +109,8 @@ TEST(Decimal, MultiplicationAndDivision) {
   EXPECT_EQ((CDecimal("1.5") * CDecimal("-0.2")).ToString(), "-0.3");
   const std::string thirds = "0." + std::string(29, '3') + "3", twoThirds = "0." + std::string(29, '6') + "7";
   const std::pair<std::pair<const char*, const char*>, std::string> quotients[] = {
-      {{"1", "3"}, thirds}, {{"2", "3"}, twoThirds}, {{"-2", "3"}, "-" + twoThirds}, {{"1", "-3"}, "-" + thirds}, {{"10", "0.4"}, "25"}};
+      {{"1", "3"}, thirds}, {{"2", "3"}, twoThirds}, {{"-2", "3"}, "-" + twoThirds}, {{"1", "-3"}, "-" + thirds},
+      {{"10", "0.4"}, "25"}};
   for (const auto& [operands, quotient] : quotients)
     EXPECT_EQ((CDecimal(operands.first) / CDecimal(operands.second)).ToString(), quotient) << operands.first;
   CDecimal d("2.5");
@@ -127,7 +128,8 @@ TEST(Decimal, Comparison) {
 }
 
 TEST(Decimal, ConversionsRoundAndCheckRange) {
-  for (const auto& [text, value] : {std::pair{"2.5", 2L}, {"2.6", 3L}, {"-2.5", -2L}, {"-2.6", -3L}, {"-2147483648.5", -2147483648L}})
+  for (const auto& [text, value] :
+       {std::pair{"2.5", 2L}, {"2.6", 3L}, {"-2.5", -2L}, {"-2.6", -3L}, {"-2147483648.5", -2147483648L}})
     EXPECT_EQ(CDecimal(text).ToLong(), value) << text;
   EXPECT_EQ(CDecimal("9223372036854775807.5").ToLongLong(), 9223372036854775807LL);
   EXPECT_EQ(CDecimal("-9223372036854775808").ToLongLong(), -9223372036854775807LL - 1);

@@ -129,8 +129,9 @@ TEST(XmlDocument, LoadErrors) {
   EXPECT_TRUE(Throws<CKoException>([&] { doc.Load(directory.c_str()); },
             "Failed to read the contents of the file [" + directory + "]: " + std::strerror(EISDIR)));
 
-  for (const auto& [xml, message] : {std::pair{"<a>\n<b>\n</a>", "mismatched tag at line 3"}, {"<a>\n\n", "no element found at line 3"},
-                                     {"<a/>\n<b/>", "junk after document element at line 2"}, {"<p:a/>", "unbound prefix at line 1"}})
+  for (const auto& [xml, message] :
+       {std::pair{"<a>\n<b>\n</a>", "mismatched tag at line 3"}, {"<a>\n\n", "no element found at line 3"},
+        {"<a/>\n<b/>", "junk after document element at line 2"}, {"<p:a/>", "unbound prefix at line 1"}})
     EXPECT_TRUE(Throws<CKoException>([&, xml = xml] { doc.LoadXml(xml); }, message));
 
   // The document stays usable after a failure.

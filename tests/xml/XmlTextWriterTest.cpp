@@ -198,7 +198,8 @@ TEST(XmlTextWriter, SchemaInstanceAttributes) {
   w.WriteStartElement("e", "");
   w.WriteString("text", ItemType_string);
   const std::function<void()> late[] = {[&] { w.WriteAttributeString("a", "", "v", ItemType_string); },
-                                        [&] { w.WriteAttributeType("urn:t", "T", ItemType_none); }, [&] { w.WriteAttributeNil(); }};
+                                        [&] { w.WriteAttributeType("urn:t", "T", ItemType_none); },
+                                        [&] { w.WriteAttributeNil(); }};
   for (const auto& call : late) EXPECT_TRUE(Throws<CKoException>(call, "Attributes must be added before elements"));
   EXPECT_STREQ(stream.GetText(), "<e>text");
 }

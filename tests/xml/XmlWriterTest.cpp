@@ -5,7 +5,8 @@
 using namespace KoXmlLib10;
 
 TEST(XmlWriter, GeneratedPrefixes) {
-  for (const auto& [n, prefix] : {std::pair{0, "AA"}, {25, "AZ"}, {26, "BA"}, {675, "ZZ"}, {676, "AAA"}, {676 + 26 * 26 * 26, "AAAA"}})
+  for (const auto& [n, prefix] :
+       {std::pair{0, "AA"}, {25, "AZ"}, {26, "BA"}, {675, "ZZ"}, {676, "AAA"}, {676 + 26 * 26 * 26, "AAAA"}})
     EXPECT_EQ(CXmlWriter::NsIntToString(n), prefix) << n;
   EXPECT_THROW(CXmlWriter::NsIntToString(-1), CKoInvalidParamException);
 
