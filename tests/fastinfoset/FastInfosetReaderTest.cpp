@@ -56,14 +56,7 @@ void Load(const std::string& bytes, const CXmlSerializationContext& ctx = CXmlSe
   return LoadFailure(bytes, CXmlSerializationContext(), expected);
 }
 // The message of a failure whose exact text another component writes.
-std::string LoadMessage(const std::string& bytes) {
-  try {
-    Load(bytes);
-  } catch (const CKoException& e) {
-    return e.GetMessage();
-  }
-  return "";
-}
+std::string LoadMessage(const std::string& bytes) { return testsupport::MessageOf([&] { Load(bytes); }); }
 
 // The document element's text after loading `bytes`, or why the load failed.
 std::string TextOf(CXmlDocument& doc, const std::string& bytes) {
