@@ -15,25 +15,6 @@ namespace {
 
 const char kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
 
-// A writer over a memory stream; Hex() shows what it wrote, optionally from an offset.
-struct Fi {
-  explicit Fi(CFastInfosetContext c = CFastInfosetContext()) : context(std::move(c)) {}
-  std::string Hex(size_t from = 0) const {
-    const CBinaryData data = stream.GetBinaryStream();
-    std::string hex;
-    char octet[4];
-    for (unsigned long i = from; i < data.GetLength(); ++i) {
-      std::snprintf(octet, sizeof octet, i > from ? " %02X" : "%02X", data.GetData()[i]);
-      hex += octet;
-    }
-    return hex;
-  }
-
-  CFastInfosetContext context;
-  CBinaryStream stream;
-  CFastInfosetWriter writer{context, stream};
-};
-
 std::string HexOf(const std::string& text) {
   std::string hex;
   char octet[4];
@@ -43,6 +24,21 @@ std::string HexOf(const std::string& text) {
   }
   return hex;
 }
+
+// A writer over a memory stream; Hex() shows what it wrote, optionally from an offset.
+struct Fi {
+  explicit Fi(CFastInfosetContext c = CFastInfosetContext()) : context(std::move(c)) {}
+  std::string Hex(size_t from = 0) const {
+    const CBinaryData data = stream.GetBinaryStream();
+    const auto* octets = reinterpret_cast<const char*>(data.GetData());
+    const std::string hex = HexOf(std::string(octets + from, data.GetLength() - from));
+    return hex.substr(0, hex.size() ? hex.size() - 1 : 0);
+  }
+
+  CFastInfosetContext context;
+  CBinaryStream stream;
+  CFastInfosetWriter writer{context, stream};
+};
 
 }  // namespace
 
