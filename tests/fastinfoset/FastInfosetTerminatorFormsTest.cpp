@@ -79,38 +79,24 @@ TEST(FastInfosetTerminatorForms, BothPlacementsReadAsTheSameTree) {
 TEST(FastInfosetTerminatorForms, TheWriterEmitsTheCurrentForm) {
   // The same three documents through the writer give exactly the current
   // octets (the writer's own tests cover the other placements of terminators).
-  const auto written = [](auto&& calls) {
+  const auto document = [](bool attribute, int children, bool text) {
     CFastInfosetContext context;
     CBinaryStream stream;
-    CFastInfosetWriter writer(context, stream);
-    writer.WriteStartDocument(FInfoDeclNone);
-    calls(writer);
-    writer.WriteEndDocument();
+    CFastInfosetWriter w(context, stream);
+    w.WriteStartDocument(FInfoDeclNone);
+    w.WriteStartElement("r", "");
+    if (attribute) w.WriteAttributeString("a", "", "v", ItemType_string);
+    for (int i = 0; i < children; ++i) {
+      w.WriteStartElement("c", "");
+      w.WriteAttributeString("x", "", "1", ItemType_string);
+      w.WriteEndElement();
+    }
+    if (text) w.WriteString("t", ItemType_string);
+    w.WriteEndElement();
+    w.WriteEndDocument();
     return HexOf(stream.GetBinaryStream());
   };
-  const auto childWithX = [](CFastInfosetWriter& w) {
-    w.WriteStartElement("c", "");
-    w.WriteAttributeString("x", "", "1", ItemType_string);
-    w.WriteEndElement();
-  };
-  EXPECT_EQ(written([](CFastInfosetWriter& w) {
-              w.WriteStartElement("r", "");
-              w.WriteAttributeString("a", "", "v", ItemType_string);
-              w.WriteEndElement();
-            }),
-            kForms[0].current);
-  EXPECT_EQ(written([&](CFastInfosetWriter& w) {
-              w.WriteStartElement("r", "");
-              childWithX(w);
-              childWithX(w);
-              w.WriteEndElement();
-            }),
-            kForms[1].current);
-  EXPECT_EQ(written([&](CFastInfosetWriter& w) {
-              w.WriteStartElement("r", "");
-              childWithX(w);
-              w.WriteString("t", ItemType_string);
-              w.WriteEndElement();
-            }),
-            kForms[2].current);
+  EXPECT_EQ(document(true, 0, false), kForms[0].current);
+  EXPECT_EQ(document(false, 2, false), kForms[1].current);
+  EXPECT_EQ(document(false, 1, true), kForms[2].current);
 }
