@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstring>
 #include <cstdio>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -31,14 +32,6 @@ std::vector<std::string> ChildNames(const CXmlElement* parent) {
   return names;
 }
 
-std::string TempPath(const char* name) { return testsupport::TempPath(name); }
-
-void WriteFile(const std::string& path, const std::string& content) {
-  FILE* f = std::fopen(path.c_str(), "wb");
-  ASSERT_NE(f, nullptr);
-  std::fwrite(content.data(), 1, content.size(), f);
-  std::fclose(f);
-}
 
 std::string Nested(size_t depth) {
   std::string xml;
@@ -118,10 +111,10 @@ TEST(XmlDocument, LoadErrors) {
   unsigned char byte = '<';
   EXPECT_TRUE(Throws<CKoException>([&] { doc.LoadXmlStream(&byte, 0); }, "XML Stream is empty!"));
 
-  const std::string missing = TempPath("no-such-file.xml");
+  const std::string missing = testsupport::TempPath("no-such-file.xml");
   EXPECT_TRUE(Throws<CKoException>([&] { doc.Load(missing.c_str()); }, "Failed to open the file [" + missing + "]"));
-  const std::string empty = TempPath("empty-file.xml");
-  WriteFile(empty, "");
+  const std::string empty = testsupport::TempPath("empty-file.xml");
+  std::ofstream(empty).close();
   EXPECT_TRUE(Throws<CKoException>([&] { doc.Load(empty.c_str()); },
             "Failed to read the contents of the file [" + empty + "]: the file is empty"));
   // A directory opens but cannot be read; its reported size must not be allocated.
