@@ -47,11 +47,3 @@ TEST(DeepDocumentFastInfoset, TwoHundredThousandLevelsAreWrittenExactly) {
   ASSERT_EQ(octets.compare(leaf, text.size(), text), 0);
   EXPECT_EQ(octets.substr(leaf + text.size()), std::string((kDepth + 2) / 2, '\xFF'));
 }
-
-TEST(DeepDocumentFastInfoset, RoundTripsJustUnderTheReadersDepthLimit) {
-  const int depth = static_cast<int>(CXmlDocument::MAX_ELEMENT_DEPTH) - 1;
-  std::string octets = WriteDeep(depth);
-  CXmlDocument doc;
-  doc.LoadXmlStream(reinterpret_cast<unsigned char*>(&octets[0]), static_cast<unsigned long>(octets.size()));
-  EXPECT_TRUE(DeepDocument::HasShape(doc, depth));
-}

@@ -15,25 +15,6 @@ namespace {
 
 const char kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
 
-// A writer over a memory stream; Hex() shows what it wrote, optionally from an offset.
-struct Fi {
-  explicit Fi(CFastInfosetContext c = CFastInfosetContext()) : context(std::move(c)) {}
-  std::string Hex(size_t from = 0) const {
-    const CBinaryData data = stream.GetBinaryStream();
-    std::string hex;
-    char octet[4];
-    for (unsigned long i = from; i < data.GetLength(); ++i) {
-      std::snprintf(octet, sizeof octet, i > from ? " %02X" : "%02X", data.GetData()[i]);
-      hex += octet;
-    }
-    return hex;
-  }
-
-  CFastInfosetContext context;
-  CBinaryStream stream;
-  CFastInfosetWriter writer{context, stream};
-};
-
 std::string HexOf(const std::string& text) {
   std::string hex;
   char octet[4];
@@ -43,6 +24,21 @@ std::string HexOf(const std::string& text) {
   }
   return hex;
 }
+
+// A writer over a memory stream; Hex() shows what it wrote, optionally from an offset.
+struct Fi {
+  explicit Fi(CFastInfosetContext c = CFastInfosetContext()) : context(std::move(c)) {}
+  std::string Hex(size_t from = 0) const {
+    const CBinaryData data = stream.GetBinaryStream();
+    const auto* octets = reinterpret_cast<const char*>(data.GetData());
+    const std::string hex = HexOf(std::string(octets + from, data.GetLength() - from));
+    return hex.substr(0, hex.size() ? hex.size() - 1 : 0);
+  }
+
+  CFastInfosetContext context;
+  CBinaryStream stream;
+  CFastInfosetWriter writer{context, stream};
+};
 
 }  // namespace
 
@@ -222,33 +218,8 @@ TEST(FastInfosetWriter, TerminatorsShareOctetsWhenTheyFollowEachOther) {
 
 // An attribute list always ends with F0 when its start tag closes; the
 // element's own terminator then pairs with the next terminator, if any.
+// (<r a="v"/> and two such siblings: FastInfosetTerminatorForms.)
 TEST(FastInfosetWriter, AttributeListsEndBeforeTheElementTerminator) {
-  Fi alone;
-  alone.writer.WriteStartDocument(FInfoDeclNone);
-  alone.writer.WriteStartElement("r", "");  // <r a="v"/>
-  alone.writer.WriteAttributeString("a", "", "v", ItemType_string);
-  alone.writer.WriteEndElement();
-  alone.writer.WriteEndDocument();
-  EXPECT_EQ(alone.Hex(), "E0 00 00 01 00 78 F0 3C 00 72 78 00 61 40 76 F0 FF");
-
-  Fi siblings;  // <r><c x="1"/><c x="1"/></r>
-  CFastInfosetWriter& w = siblings.writer;
-  w.WriteStartDocument(FInfoDeclNone);
-  w.WriteStartElement("r", "");
-  for (int i = 0; i < 2; ++i) {
-    w.WriteStartElement("c", "");
-    w.WriteAttributeString("x", "", "1", ItemType_string);
-    w.WriteEndElement();
-  }
-  w.WriteEndElement();
-  w.WriteEndDocument();
-  EXPECT_EQ(siblings.Hex(5),
-            "38 F0 3C 00 72 "
-            "7C 00 63 78 00 78 40 31 F0 "  // <c x="1"> and the end of its attributes
-            "F0 "                           // </c>, padded before the next start
-            "41 00 80 F0 "                  // <c x="1">: name, attribute and value by index
-            "FF F0");                       // </c></r>, then the document's end
-
   Fi nested;  // the attribute list of an element closed by a child, then by text
   CFastInfosetWriter& n = nested.writer;
   n.WriteStartDocument(FInfoDeclNone);
@@ -331,7 +302,6 @@ TEST(FastInfosetWriter, DeclarationsAndExternalVocabulary) {
     Fi fi;
     fi.writer.WriteStartDocument(static_cast<FInfoDecl>(decl));
     EXPECT_EQ(fi.Hex(), HexOf(declarations[decl - 1]) + "E0 00 00 01 00") << decl;
-    EXPECT_STREQ(FI_DECLARATION_LIST[decl - 1], declarations[decl - 1]);
   }
   Fi bad;
   EXPECT_THROW(bad.writer.WriteStartDocument(static_cast<FInfoDecl>(10)), CKoException);
@@ -396,50 +366,6 @@ TEST(FastInfosetWriter, MisuseFails) {
   w.WritePI("<?pi?>");
   w.WriteInlineSchema("<schema/>");
   EXPECT_EQ(fi.Hex(5), "38 F0 3C 00 61 90 78");
-}
-
-TEST(FastInfosetWriter, ReadsBackThroughTheLibrarysReader) {
-  Fi fi;
-  fi.context.SetEncoding(ItemType_date, EncodedCharacterString{1, 2});
-  fi.context.SetEncoding(ItemType_decimal, EncodedCharacterString{1, 1});
-  CFastInfosetWriter& w = fi.writer;
-  w.WriteStartDocument(FInfoDecl10);
-  w.SetDefaultNamespace("urn:d");
-  w.AddNamespace("xsi", kXsi);
-  w.WriteStartElement("r", "urn:d");
-  for (int i = 0; i < 3; ++i) {  // names and values are indexes from the second item on
-    w.WriteStartElement("item", "urn:d");
-    w.WriteAttributeString("n", "", "-7", ItemType_decimal);
-    w.WriteAttributeType("urn:t", "T", ItemType_string);
-    w.WriteString("2024-05-01", ItemType_date);
-    w.WriteString("12.5", ItemType_decimal);
-    w.WriteEndElement();
-  }
-  w.WriteStartElement("none", "");
-  w.WriteAttributeNil();
-  w.WriteEndElement();
-  w.WriteEndElement();
-  w.WriteEndDocument();
-
-  const CBinaryData bytes = fi.stream.GetBinaryStream();
-  CXmlDocument document;
-  document.LoadXmlStream(bytes.GetData(), bytes.GetLength());
-  const CXmlElement* root = document.GetDocumentElement();
-  ASSERT_NE(root, nullptr);
-  EXPECT_EQ(root->GetNamespaceURI(), "urn:d");
-  int items = 0;
-  const CXmlElement* child = root->GetFirstElement();
-  for (; child && child->GetLocalName() == "item"; child = child->GetNextSiblingElement(), ++items) {
-    EXPECT_EQ(child->GetNamespaceURI(), "urn:d");
-    EXPECT_EQ(child->GetAttribute("n", ""), "-7");
-    EXPECT_EQ(child->GetAttribute("type", kXsi), "AA:T");
-    EXPECT_EQ(child->GetText(), "2024-05-0112.5");
-  }
-  EXPECT_EQ(items, 3);
-  EXPECT_EQ(document.LookupNamespaceFromAlias("AA"), "urn:t");
-  ASSERT_NE(child, nullptr);
-  EXPECT_EQ(child->GetNamespaceURI(), "");
-  EXPECT_EQ(child->GetAttribute("nil", kXsi), "true");
 }
 
 // A simple element written in one call gives exactly the octets of the three

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "support/Throws.h"
+
 using namespace KoXmlLib10;
 
 namespace {
@@ -35,16 +37,13 @@ TEST(KoZip, FramesAndRoundTrips) {
   const std::string& text = kText;
   CBinaryData gzip = BytesOf(text);
   CKoZip::CompressData(gzip, CompressionTypeGzip);
-  ASSERT_GT(gzip.GetLength(), 2u);
-  EXPECT_EQ(gzip[0], 0x1F);
-  EXPECT_EQ(gzip[1], 0x8B);
+  EXPECT_EQ(gzip.GetAsHexString().substr(0, 4), "1F8B");
   EXPECT_LT(gzip.GetLength(), text.size());
   EXPECT_EQ(Inflated(gzip), text);
 
   CBinaryData zlib = BytesOf(text);
   CKoZip::CompressData(zlib, CompressionTypeZlib);
-  EXPECT_EQ(zlib[0], 0x78);
-  EXPECT_EQ(zlib[1], 0x01);
+  EXPECT_EQ(zlib.GetAsHexString().substr(0, 4), "7801");
   EXPECT_EQ(Inflated(zlib), text);
 
   CBinaryData none = BytesOf(text);
@@ -58,13 +57,9 @@ TEST(KoZip, FramesAndRoundTrips) {
 
 TEST(KoZip, DataThatDoesNotShrinkFails) {
   CBinaryData tiny("abc");
-  try {
-    CKoZip::CompressData(tiny, CompressionTypeZlib);
-    FAIL() << "expected an exception";
-  } catch (const CKoException& e) {
-    EXPECT_EQ(e.GetMessage().rfind("Failed to compress data. [Error Code: ", 0), 0u) << e.GetMessage();
-    EXPECT_EQ(e.GetMessage().back(), ']');
-  }
+  const std::string message = testsupport::MessageOf([&] { CKoZip::CompressData(tiny, CompressionTypeZlib); });
+  EXPECT_EQ(message.rfind("Failed to compress data. [Error Code: ", 0), 0u) << message;
+  EXPECT_EQ(message.back(), ']');
   EXPECT_EQ(tiny, CBinaryData("abc"));  // the caller keeps its bytes
 }
 

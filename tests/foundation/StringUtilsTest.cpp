@@ -5,34 +5,28 @@
 using namespace KoXmlLib10;
 
 TEST(StringUtils, FractionSuffix) {
-  EXPECT_EQ(ToFracString(0, 0, 0), "");
-  EXPECT_EQ(ToFracString(500, 0, 0), ".5");
-  EXPECT_EQ(ToFracString(120, 0, 0), ".12");
-  EXPECT_EQ(ToFracString(0, 250, 0), ".00025");
-  EXPECT_EQ(ToFracString(1, 2, 3), ".001002003");
-  EXPECT_EQ(ToFracString(0, 0, 5), ".000000005");
+  const struct { int milli, micro, nano; const char* suffix; } cases[] = {
+      {0, 0, 0, ""}, {500, 0, 0, ".5"}, {120, 0, 0, ".12"}, {0, 250, 0, ".00025"},
+      {1, 2, 3, ".001002003"}, {0, 0, 5, ".000000005"}};
+  for (const auto& c : cases) EXPECT_EQ(ToFracString(c.milli, c.micro, c.nano), c.suffix) << c.suffix;
 }
 
 TEST(StringUtils, TrimAndPad) {
-  EXPECT_EQ(TrimTrainingZeros("500"), "5");
-  EXPECT_EQ(TrimTrainingZeros("000"), "0");
-  EXPECT_EQ(TrimTrainingZeros("0"), "0");
-  EXPECT_EQ(TrimTrainingZeros(""), "");
-  EXPECT_EQ(PadZero(7, 3), "007");
-  EXPECT_EQ(PadZero(-7, 3), "-07");
-  EXPECT_EQ(PadZero(12345, 2), "12345");
+  for (const auto& [text, trimmed] : {std::pair{"500", "5"}, {"000", "0"}, {"0", "0"}, {"", ""}})
+    EXPECT_EQ(TrimTrainingZeros(text), trimmed) << text;
+  EXPECT_EQ(PadZero(7, 3) + " " + PadZero(-7, 3) + " " + PadZero(12345, 2), "007 -07 12345");
 }
 
 TEST(StringUtils, FindReplaceRestartsAndTerminates) {
-  std::string s = "aaab";
-  FindReplace(s, "ab", "b");  // restarting from the front collapses every 'a'
-  EXPECT_EQ(s, "b");
-  std::string t = "x&y&";
-  FindReplace(t, "&", "&amp;");  // replacement contains the search text
-  EXPECT_EQ(t, "x&amp;y&amp;");
-  std::string u = "abc";
-  FindReplace(u, "", "z");
-  EXPECT_EQ(u, "abc");
+  // Restarting from the front collapses every 'a'; a replacement may contain
+  // the search text; an empty search text changes nothing.
+  const char* const cases[][4] = {
+      {"aaab", "ab", "b", "b"}, {"x&y&", "&", "&amp;", "x&amp;y&amp;"}, {"abc", "", "z", "abc"}};
+  for (const auto& c : cases) {
+    std::string s = c[0];
+    FindReplace(s, c[1], c[2]);
+    EXPECT_EQ(s, c[3]) << c[0];
+  }
   std::wstring w = L"a-b-c";
   FindReplace(w, L"-", L"+");
   EXPECT_EQ(w, L"a+b+c");

@@ -27,15 +27,13 @@ TEST(Unicode, Utf8ToWideStopsAtIllFormedInput) {
   EXPECT_EQ(ToWide({0xF0, 0x9F, 0x98, 0x80}, out, 8), 1u);
   EXPECT_EQ(out[0], 0x1F600);
 
-  EXPECT_EQ(ToWide({0xC0, 0x80}, out, 8), 0u);              // overlong NUL
-  EXPECT_EQ(ToWide({0xE0, 0x9F, 0xBF}, out, 8), 0u);        // overlong 3-byte
-  EXPECT_EQ(ToWide({0xED, 0xA0, 0x80}, out, 8), 0u);        // U+D800
-  EXPECT_EQ(ToWide({0xF4, 0x90, 0x80, 0x80}, out, 8), 0u);  // above U+10FFFF
-  EXPECT_EQ(ToWide({0xF8, 0x88, 0x80, 0x80, 0x80}, out, 8), 0u);
-  EXPECT_EQ(ToWide({0xE2, 0x82}, out, 8), 0u);              // truncated
-  EXPECT_EQ(ToWide({0x41, 0xE2, 0x82}, out, 8), 1u);
-  EXPECT_EQ(ToWide({0x41, 0x80, 0x42}, out, 8), 1u);        // stray continuation
-  EXPECT_EQ(ToWide({0x41, 0xC3, 0x41}, out, 8), 1u);        // continuation missing
+  // Overlong NUL, overlong 3-byte, U+D800, above U+10FFFF, 5-byte, truncated (alone and after A),
+  // stray continuation, continuation missing: the count is of what came before.
+  const std::pair<Bytes, unsigned long> illFormed[] = {
+      {{0xC0, 0x80}, 0}, {{0xE0, 0x9F, 0xBF}, 0}, {{0xED, 0xA0, 0x80}, 0}, {{0xF4, 0x90, 0x80, 0x80}, 0},
+      {{0xF8, 0x88, 0x80, 0x80, 0x80}, 0}, {{0xE2, 0x82}, 0}, {{0x41, 0xE2, 0x82}, 1}, {{0x41, 0x80, 0x42}, 1},
+      {{0x41, 0xC3, 0x41}, 1}};
+  for (const auto& [bytes, count] : illFormed) EXPECT_EQ(ToWide(bytes, out, 8), count) << int(bytes[1]);
 
   EXPECT_EQ(Measure({0x41, 0xE2, 0x82, 0xAC}), 2u);
   EXPECT_EQ(Measure({0x41, 0xE2, 0x82}), 0u);
@@ -47,13 +45,9 @@ TEST(Unicode, Utf8ToWideStopsAtIllFormedInput) {
 
 TEST(Unicode, LegalUtf8Rules) {
   const unsigned char e0[] = {0xE0, 0xA0, 0x80}, ed[] = {0xED, 0x9F, 0xBF}, f4[] = {0xF4, 0x8F, 0xBF, 0xBF};
-  EXPECT_TRUE(IsLegalUTF8(e0, 3));
-  EXPECT_TRUE(IsLegalUTF8(ed, 3));
-  EXPECT_TRUE(IsLegalUTF8(f4, 4));
+  EXPECT_TRUE(IsLegalUTF8(e0, 3) && IsLegalUTF8(ed, 3) && IsLegalUTF8(f4, 4));
   const unsigned char c1[] = {0xC1, 0xBF}, f5[] = {0xF5, 0x80, 0x80, 0x80}, bad[] = {0xC3, 0xC0};
-  EXPECT_FALSE(IsLegalUTF8(c1, 2));
-  EXPECT_FALSE(IsLegalUTF8(f5, 4));
-  EXPECT_FALSE(IsLegalUTF8(bad, 2));
+  EXPECT_FALSE(IsLegalUTF8(c1, 2) || IsLegalUTF8(f5, 4) || IsLegalUTF8(bad, 2));
   EXPECT_TRUE(IsLegalUTF8Sequence(f4, f4 + 4));
   EXPECT_FALSE(IsLegalUTF8Sequence(f4, f4 + 3));
 }
@@ -82,8 +76,7 @@ TEST(Unicode, Utf16RoundTripAndSurrogateRules) {
   unsigned char* bytes = reinterpret_cast<unsigned char*>(units);
   EXPECT_EQ(UnicodeToUTF16(text, 3, nullptr, 0), 4u);
   ASSERT_EQ(UnicodeToUTF16(text, 3, bytes, 8), 4u);
-  EXPECT_EQ(units[2], 0xD83D);
-  EXPECT_EQ(units[3], 0xDE00);
+  EXPECT_TRUE(units[2] == 0xD83D && units[3] == 0xDE00);
   EXPECT_EQ(UnicodeToUTF16(text, 3, bytes, 3), 2u);  // the pair does not fit
 
   wchar_t back[8] = {};

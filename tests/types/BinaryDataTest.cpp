@@ -21,22 +21,18 @@ std::string Text(const CBinaryData& d) { return std::string(reinterpret_cast<cha
 
 TEST(BinaryData, Base64) {
   CBinaryData d;
-  d.SetAsBase64("SGVsbG8=");
-  EXPECT_EQ(Text(d), "Hello");
-  d.SetAsBase64(" SGVs\r\nbG8\t=\n");
-  EXPECT_EQ(Text(d), "Hello");
+  for (const char* text : {"SGVsbG8=", " SGVs\r\nbG8\t=\n", "\xD3GVsbG8="}) {  // high bit ignored: 0xD3 reads as 'S'
+    d.SetAsBase64(text);
+    EXPECT_EQ(Text(d), "Hello") << text;
+  }
   d.SetAsBase64("SGVsbG8*");
   EXPECT_NE(d.GetData(), nullptr);
   EXPECT_EQ(d.GetLength(), 0u);
-  d.SetAsBase64("\xD3GVsbG8=");  // high bit ignored: 0xD3 reads as 'S'
-  EXPECT_EQ(Text(d), "Hello");
   d.SetAsBase64("");
   EXPECT_EQ(d.GetLength(), 0u);
 
-  EXPECT_EQ(CBinaryData("Ma").GetAsBase64(), "TWE=");
-  EXPECT_EQ(CBinaryData("M").GetAsBase64(), "TQ==");
-  EXPECT_EQ(CBinaryData("Man").GetAsBase64(), "TWFu");
-  EXPECT_EQ(CBinaryData().GetAsBase64(), "");
+  EXPECT_EQ(CBinaryData("Ma").GetAsBase64() + CBinaryData("M").GetAsBase64() + CBinaryData("Man").GetAsBase64() +
+                CBinaryData().GetAsBase64(), "TWE=TQ==TWFu");
 
   unsigned char all[256];
   for (int i = 0; i < 256; ++i) all[i] = static_cast<unsigned char>(i);
@@ -49,9 +45,7 @@ TEST(BinaryData, Base64) {
 TEST(BinaryData, Hex) {
   CBinaryData d;
   d.SetAsHexString("0aFf");
-  ASSERT_EQ(d.GetLength(), 2u);
-  EXPECT_EQ(d[0], 0x0A);
-  EXPECT_EQ(d[1], 0xFF);
+  EXPECT_EQ(Text(d), "\x0A\xFF");
   EXPECT_EQ(d.GetAsHexString(), "0AFF");
   EXPECT_TRUE(Throws<CKoException>([&] { d.SetAsHexString("ABC"); }, "Invalid length in hex string"));
   EXPECT_TRUE(Throws<CKoException>([&] { d.SetAsHexString("GG"); }, "Invalid char in hex string [G]"));

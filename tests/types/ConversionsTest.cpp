@@ -3,6 +3,8 @@
 #include <KoXmlLib10.h>
 
 #include <cmath>
+#include <functional>
+#include <map>
 #include <limits>
 #include <string>
 
@@ -29,24 +31,17 @@ template <class Action>
 
 TEST(WhitespaceUtils, RulesOnLineEndsTabsRunsAndNul) {
   const std::string crlf = "a\r\nb";
-  EXPECT_EQ(WS::Preserve(crlf), "a\nb");
-  EXPECT_EQ(WS::Preserve("a\rb\r\r\n"), "a\nb\n\n");
-  EXPECT_EQ(WS::Preserve(std::string("a\tb\0c", 5)), std::string("a\tb\0c", 5));
+  const std::string nul("a\tb\0c", 5), spaceNul("a b\0c", 5);
+  const struct { std::string (*rule)(const std::string&); std::string text, ruled; } cases[] = {
+      {WS::Preserve, crlf, "a\nb"}, {WS::Preserve, "a\rb\r\r\n", "a\nb\n\n"}, {WS::Preserve, nul, nul},
+      {WS::Replace, crlf, "a b"}, {WS::Replace, "\ta\n\rb ", " a  b "}, {WS::Replace, nul, "a b"},
+      {WS::Replace, spaceNul, spaceNul},  // nothing to replace: returned as it is, NUL included
+      {WS::Collapse, "\ta  \nb ", "a b"}, {WS::Collapse, " \r\n\t ", ""}, {WS::Collapse, "ab", "ab"},
+      {WS::Collapse, std::string("ab\0 c", 5), "ab"}, {WS::Collapse, std::string("\0ab", 3), ""}};
+  for (const auto& c : cases) EXPECT_EQ(c.rule(c.text), c.ruled) << "[" << c.text << "]";
   EXPECT_EQ(WS::Preserve("x\r\ny", -1), "x\ny");
   EXPECT_EQ(WS::Preserve("x\r\ny", 2), "x\n");
   EXPECT_EQ(WS::Preserve(nullptr, 3), "");
-
-  EXPECT_EQ(WS::Replace(crlf), "a b");
-  EXPECT_EQ(WS::Replace("\ta\n\rb "), " a  b ");
-  EXPECT_EQ(WS::Replace(std::string("a\tb\0c", 5)), "a b");
-  // Nothing to replace: the text is returned as it is, NUL included.
-  EXPECT_EQ(WS::Replace(std::string("a b\0c", 5)), std::string("a b\0c", 5));
-
-  EXPECT_EQ(WS::Collapse("\ta  \nb "), "a b");
-  EXPECT_EQ(WS::Collapse(" \r\n\t "), "");
-  EXPECT_EQ(WS::Collapse("ab"), "ab");
-  EXPECT_EQ(WS::Collapse(std::string("ab\0 c", 5)), "ab");
-  EXPECT_EQ(WS::Collapse(std::string("\0ab", 3)), "");
 
   EXPECT_EQ(WS::ApplyRule(kNone, " \r\n "), " \r\n ");
   EXPECT_EQ(WS::ApplyRule(WS::WhitespaceRule_Replace, "a\r\nb"), "a b");
@@ -59,52 +54,31 @@ TEST(WhitespaceUtils, RulesOnLineEndsTabsRunsAndNul) {
 }
 
 TEST(Conversions, IntegerRangesBothEnds) {
-  EXPECT_EQ(C::i1FromString("-128", kCollapse), -128);
-  EXPECT_TRUE(InvalidValue([] { C::i1FromString(" 128", kCollapse); },
-            "The value [ 128] is to large to fit in a i1"));
-  EXPECT_TRUE(InvalidValue([] { C::i1FromString("-129", kCollapse); },
-            "The value [-129] is to large to fit in a i1"));
-  EXPECT_EQ(C::i2FromString("-32768", kCollapse), -32768);
-  EXPECT_TRUE(InvalidValue([] { C::i2FromString("40000\t", kCollapse); },
-            "The value [40000\t] is to large to fit in a i2"));
-  EXPECT_TRUE(InvalidValue([] { C::i2FromString("-32769", kCollapse); },
-            "The value [-32769] is to large to fit in a i2"));
-
-  EXPECT_EQ(C::i4FromString("-2147483648", kCollapse), -2147483648L);
-  EXPECT_EQ(C::i4FromString("+2147483647", kCollapse), 2147483647L);
-  EXPECT_TRUE(InvalidValue([] { C::i4FromString("2147483648", kCollapse); },
-            "The value [2147483648] is to large to fit in a i4"));
-  EXPECT_TRUE(InvalidValue([] { C::i4FromString("-2147483649", kCollapse); },
-            "The value [-2147483649] is to large to fit in a i4"));
-  EXPECT_TRUE(InvalidValue([] { C::i4FromString("99999999999999999999", kCollapse); },
-            "The value [99999999999999999999] is to large to fit in a i4"));
-
-  EXPECT_EQ(C::i8FromString("-9223372036854775808", kCollapse), std::numeric_limits<long long>::min());
-  EXPECT_EQ(C::i8FromString("9223372036854775807", kCollapse), std::numeric_limits<long long>::max());
-  EXPECT_TRUE(InvalidValue([] { C::i8FromString("9223372036854775808", kCollapse); },
-            "The value [9223372036854775808] is to large to fit in a i8"));
-  EXPECT_TRUE(InvalidValue([] { C::i8FromString("-9223372036854775809", kCollapse); },
-            "The value [-9223372036854775809] is to large to fit in a i8"));
-
-  EXPECT_EQ(C::ui1FromString("255", kCollapse), 255);
-  EXPECT_TRUE(InvalidValue([] { C::ui1FromString("256 ", kCollapse); },
-            "The value [256 ] is to large to fit in a ui1"));
-  EXPECT_EQ(C::ui2FromString("65535", kCollapse), 65535);
-  EXPECT_TRUE(InvalidValue([] { C::ui2FromString("65536", kCollapse); },
-            "The value [65536] is to large to fit in a ui2"));
-  EXPECT_TRUE(InvalidValue([] { C::ui2FromString("-1", kCollapse); },
-            "The value [-1] is to large to fit in a ui2"));
-  EXPECT_EQ(C::ui4FromString("4294967295", kCollapse), 4294967295UL);
-  EXPECT_EQ(C::ui4FromString("-1", kCollapse), 4294967295UL);
-  EXPECT_EQ(C::ui4FromString("-4294967295", kCollapse), 1UL);
-  EXPECT_TRUE(InvalidValue([] { C::ui4FromString("4294967296", kCollapse); },
-            "The value [4294967296] is to large to fit in a ui4"));
-  EXPECT_TRUE(InvalidValue([] { C::ui4FromString("-4294967296", kCollapse); },
-            "The value [-4294967296] is to large to fit in a ui4"));
-  EXPECT_EQ(C::ui8FromString("18446744073709551615", kCollapse), 18446744073709551615ULL);
-  EXPECT_EQ(C::ui8FromString("-1", kCollapse), 18446744073709551615ULL);
-  EXPECT_TRUE(InvalidValue([] { C::ui8FromString("18446744073709551616", kCollapse); },
-            "The value [18446744073709551616] is to large to fit in a ui8"));
+  using Convert = std::function<std::string(const std::string&)>;
+  const std::map<std::string, Convert> convert = {
+      {"i1", [](const std::string& t) { return std::to_string(C::i1FromString(t, kCollapse)); }},
+      {"i2", [](const std::string& t) { return std::to_string(C::i2FromString(t, kCollapse)); }},
+      {"i4", [](const std::string& t) { return std::to_string(C::i4FromString(t, kCollapse)); }},
+      {"i8", [](const std::string& t) { return std::to_string(C::i8FromString(t, kCollapse)); }},
+      {"ui1", [](const std::string& t) { return std::to_string(C::ui1FromString(t, kCollapse)); }},
+      {"ui2", [](const std::string& t) { return std::to_string(C::ui2FromString(t, kCollapse)); }},
+      {"ui4", [](const std::string& t) { return std::to_string(C::ui4FromString(t, kCollapse)); }},
+      {"ui8", [](const std::string& t) { return std::to_string(C::ui8FromString(t, kCollapse)); }}};
+  // {kind, text, value}: both ends; unsigned kinds wrap negative text of their width.
+  const char* const accepted[][3] = {
+      {"i1", "-128", "-128"}, {"i2", "-32768", "-32768"}, {"i4", "-2147483648", "-2147483648"},
+      {"i4", "+2147483647", "2147483647"}, {"i8", "-9223372036854775808", "-9223372036854775808"},
+      {"i8", "9223372036854775807", "9223372036854775807"}, {"ui1", "255", "255"}, {"ui2", "65535", "65535"},
+      {"ui4", "4294967295", "4294967295"}, {"ui4", "-1", "4294967295"}, {"ui4", "-4294967295", "1"},
+      {"ui8", "18446744073709551615", "18446744073709551615"}, {"ui8", "-1", "18446744073709551615"}};
+  for (const auto& c : accepted) EXPECT_EQ(convert.at(c[0])(c[1]), c[2]) << c[0] << " " << c[1];
+  const char* const tooLarge[][2] = {
+      {"i1", " 128"}, {"i1", "-129"}, {"i2", "40000\t"}, {"i2", "-32769"}, {"i4", "2147483648"}, {"i4", "-2147483649"},
+      {"i4", "99999999999999999999"}, {"i8", "9223372036854775808"}, {"i8", "-9223372036854775809"}, {"ui1", "256 "},
+      {"ui2", "65536"}, {"ui2", "-1"}, {"ui4", "4294967296"}, {"ui4", "-4294967296"}, {"ui8", "18446744073709551616"}};
+  for (const auto& c : tooLarge)
+    EXPECT_TRUE(InvalidValue([&] { convert.at(c[0])(c[1]); },
+                             "The value [" + std::string(c[1]) + "] is to large to fit in a " + c[0]));
 }
 
 TEST(Conversions, IntegerSyntaxAndWhitespace) {
@@ -128,10 +102,8 @@ TEST(Conversions, FloatSpecialsAndFormats) {
   EXPECT_TRUE(std::isnan(C::r8FromString("", kCollapse)));
   EXPECT_TRUE(std::isnan(C::r8FromString("1.#QNAN", kCollapse)));
   EXPECT_TRUE(std::isnan(C::r4FromString("-NAN", kCollapse)));
-  EXPECT_EQ(C::r8FromString(" INF ", kCollapse), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(C::r8FromString("-INF", kCollapse), -std::numeric_limits<double>::infinity());
-  EXPECT_EQ(C::r8FromString("inf", kCollapse), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(C::r8FromString("1e400", kCollapse), std::numeric_limits<double>::infinity());
+  for (const auto& [text, value] : {std::pair{" INF ", 1.0}, {"-INF", -1.0}, {"inf", 1.0}, {"1e400", 1.0}})
+    EXPECT_EQ(C::r8FromString(text, kCollapse), value * std::numeric_limits<double>::infinity()) << text;
   EXPECT_EQ(C::r4FromString("1e300", kCollapse), std::numeric_limits<float>::infinity());
   EXPECT_EQ(C::r4FromString("0.1", kCollapse), 0.1f);
   EXPECT_TRUE(InvalidValue([] { C::r8FromString("Inf inity", kCollapse); },
@@ -139,14 +111,14 @@ TEST(Conversions, FloatSpecialsAndFormats) {
   EXPECT_TRUE(InvalidValue([] { C::r4FromString("1,5", kCollapse); },
             "The value [1,5] can not be converted to a r4"));
 
-  EXPECT_EQ(C::r8ToString(0.1), "0.1");
-  EXPECT_EQ(C::r8ToString(1.0 / 3), "0.3333333333333333");
-  EXPECT_EQ(C::r4ToString(1.0f / 3), "0.3333333");
-  EXPECT_EQ(C::r8ToString(1e300), "1e+300");
-  EXPECT_EQ(C::r8ToString(std::nan("")), "NaN");
-  EXPECT_EQ(C::r8ToString(-std::numeric_limits<double>::infinity()), "-INF");
-  EXPECT_EQ(C::r4ToString(std::numeric_limits<float>::infinity()), "INF");
-  EXPECT_EQ(C::r4ToString(std::numeric_limits<float>::max()), "3.402823e+38");
+  const double inf = std::numeric_limits<double>::infinity();
+  const std::pair<double, const char*> doubles[] = {
+      {0.1, "0.1"}, {1.0 / 3, "0.3333333333333333"}, {1e300, "1e+300"}, {std::nan(""), "NaN"}, {-inf, "-INF"}};
+  for (const auto& [value, text] : doubles) EXPECT_EQ(C::r8ToString(value), text);
+  const std::pair<float, const char*> floats[] = {
+      {1.0f / 3, "0.3333333"}, {std::numeric_limits<float>::infinity(), "INF"},
+      {std::numeric_limits<float>::max(), "3.402823e+38"}};
+  for (const auto& [value, text] : floats) EXPECT_EQ(C::r4ToString(value), text);
   EXPECT_EQ(C::r8ToString(2.5, "%.3f"), "2.500");
   EXPECT_EQ(C::r4ToString(2.5f, "[%+08.2e]%%"), "[+2.50e+00]%");
   EXPECT_EQ(C::r8ToString(1.0, "%060.1f").size(), 47u);  // cut at the 48-byte buffer
@@ -156,10 +128,8 @@ TEST(Conversions, FloatSpecialsAndFormats) {
 }
 
 TEST(Conversions, OtherKindsBothWays) {
-  EXPECT_TRUE(C::booleanFromString(" TRUE ", kCollapse));
-  EXPECT_TRUE(C::booleanFromString("1", kCollapse));
-  EXPECT_FALSE(C::booleanFromString("False", kCollapse));
-  EXPECT_FALSE(C::booleanFromString("0", kCollapse));
+  for (const auto& [text, value] : {std::pair{" TRUE ", true}, {"1", true}, {"False", false}, {"0", false}})
+    EXPECT_EQ(C::booleanFromString(text, kCollapse), value) << text;
   EXPECT_TRUE(InvalidValue([] { C::booleanFromString(" yes ", kCollapse); },
             "A Boolean Value read from an XML document was invalid [ yes ]. Valid values are "
             "'true', 'false', '1', or '0'"));

@@ -40,19 +40,10 @@ TEST(Decimal, StaticObjectsParseAtStartup) {
 }
 
 TEST(Decimal, ParsesAndPrints) {
-  EXPECT_EQ(Str("1.500"), "1.5");
-  EXPECT_EQ(Str("-0.50"), "-0.5");
-  EXPECT_EQ(Str("007"), "7");
-  EXPECT_EQ(Str(".5"), "0.5");
-  EXPECT_EQ(Str("1.05"), "1.05");
-  EXPECT_EQ(Str("1.5e3"), "1500");
-  EXPECT_EQ(Str("1.5E-2"), "0.015");
-  EXPECT_EQ(Str("12.5e-1"), "1.25");
-  EXPECT_EQ(Str(" 1 000.5\n"), "1000.5");
-  EXPECT_EQ(Str("5-"), "-5");
-  EXPECT_EQ(Str("-0"), "0");
-  EXPECT_EQ(Str("-0.000"), "0");
-  EXPECT_EQ(Str(""), "0");
+  const char* const texts[][2] = {{"1.500", "1.5"}, {"-0.50", "-0.5"}, {"007", "7"}, {".5", "0.5"}, {"1.05", "1.05"},
+                                  {"1.5e3", "1500"}, {"1.5E-2", "0.015"}, {"12.5e-1", "1.25"}, {" 1 000.5\n", "1000.5"},
+                                  {"5-", "-5"}, {"-0", "0"}, {"-0.000", "0"}, {"", "0"}};
+  for (const auto& t : texts) EXPECT_EQ(Str(t[0]), t[1]) << t[0];
   EXPECT_EQ(CDecimal(0.1).ToString(), "0.1");
   EXPECT_EQ(CDecimal(-2.5).ToString(), "-2.5");
   EXPECT_EQ(CDecimal(CBigInteger(1), CBigInteger(5), 2).ToString(), "1.05");
@@ -63,14 +54,9 @@ TEST(Decimal, ParsesAndPrints) {
 }
 
 TEST(Decimal, ParseErrorsNamePositionAndKeepValue) {
-  EXPECT_TRUE(ParseError("12a", Position(2, "12a")));
-  EXPECT_TRUE(ParseError("abc", Position(0, "abc")));
-  EXPECT_TRUE(ParseError("1.2.3", Position(3, "1.2.3")));
-  EXPECT_TRUE(ParseError("1.5-", Position(3, "1.5-")));
-  EXPECT_TRUE(ParseError("1e5x", Position(3, "1e5x")));
-  EXPECT_TRUE(ParseError("1e 5 ", Position(4, "1e 5 ")));
-  EXPECT_TRUE(ParseError("1e10000", Position(6, "1e10000")));
-  EXPECT_TRUE(ParseError("1e-10000", Position(7, "1e-10000")));
+  const std::pair<const char*, int> errors[] = {{"12a", 2}, {"abc", 0}, {"1.2.3", 3}, {"1.5-", 3}, {"1e5x", 3},
+                                                {"1e 5 ", 4}, {"1e10000", 6}, {"1e-10000", 7}, {"-1x", 2}};
+  for (const auto& [text, at] : errors) EXPECT_TRUE(ParseError(text, Position(at, text)));
   CDecimal kept("2.5");
   EXPECT_THROW(kept.Parse("2.5x"), CKoInvalidValueException);
   EXPECT_EQ(kept.ToString(), "2.5");
@@ -99,17 +85,12 @@ TEST(Decimal, FractionDigitsRoundHalfTowardZeroAtThirty) {
 TEST(Decimal, AdditionCarriesBetweenFractionAndInteger) {
   auto sum = [](const char* a, const char* b) { return (CDecimal(a) + CDecimal(b)).ToString(); };
   auto difference = [](const char* a, const char* b) { return (CDecimal(a) - CDecimal(b)).ToString(); };
-  EXPECT_EQ(sum("1.2", "-0.5"), "0.7");
-  EXPECT_EQ(sum("-1.2", "0.5"), "-0.7");
-  EXPECT_EQ(sum("0.999", "0.001"), "1");
-  EXPECT_EQ(sum("-0.999", "-0.001"), "-1");
-  EXPECT_EQ(sum("-0.5", "0.25"), "-0.25");
-  EXPECT_EQ(sum("-2.75", "1"), "-1.75");
-  EXPECT_EQ(difference("1", "0.001"), "0.999");
-  EXPECT_EQ(difference("-1", "-0.001"), "-0.999");
-  EXPECT_EQ(difference("0.3", "1"), "-0.7");
-  EXPECT_EQ(difference("2.5", "3.75"), "-1.25");
-  EXPECT_EQ(difference("-3.25", "-10.5"), "7.25");
+  const char* const sums[][3] = {{"1.2", "-0.5", "0.7"}, {"-1.2", "0.5", "-0.7"}, {"0.999", "0.001", "1"},
+                                 {"-0.999", "-0.001", "-1"}, {"-0.5", "0.25", "-0.25"}, {"-2.75", "1", "-1.75"}};
+  for (const auto& c : sums) EXPECT_EQ(sum(c[0], c[1]), c[2]) << c[0] << " + " << c[1];
+  const char* const differences[][3] = {{"1", "0.001", "0.999"}, {"-1", "-0.001", "-0.999"}, {"0.3", "1", "-0.7"},
+                                        {"2.5", "3.75", "-1.25"}, {"-3.25", "-10.5", "7.25"}};
+  for (const auto& c : differences) EXPECT_EQ(difference(c[0], c[1]), c[2]) << c[0] << " - " << c[1];
   const CDecimal zero = CDecimal("1.5") + CDecimal("-1.5");
   EXPECT_EQ(zero.ToString(), "0");
   EXPECT_TRUE(zero == CDecimal(0));
@@ -126,21 +107,20 @@ TEST(Decimal, AdditionCarriesBetweenFractionAndInteger) {
 
 TEST(Decimal, MultiplicationAndDivision) {
   EXPECT_EQ((CDecimal("1.5") * CDecimal("-0.2")).ToString(), "-0.3");
-  EXPECT_EQ((CDecimal(1) / CDecimal(3)).ToString(), "0.333333333333333333333333333333");
-  EXPECT_EQ((CDecimal(2) / CDecimal(3)).ToString(), "0.666666666666666666666666666667");
-  EXPECT_EQ((CDecimal(-2) / CDecimal(3)).ToString(), "-0.666666666666666666666666666667");
-  EXPECT_EQ((CDecimal(1) / CDecimal(-3)).ToString(), "-0.333333333333333333333333333333");
-  EXPECT_EQ((CDecimal("10") / CDecimal("0.4")).ToString(), "25");
+  const std::string thirds = "0." + std::string(29, '3') + "3", twoThirds = "0." + std::string(29, '6') + "7";
+  const std::pair<std::pair<const char*, const char*>, std::string> quotients[] = {
+      {{"1", "3"}, thirds}, {{"2", "3"}, twoThirds}, {{"-2", "3"}, "-" + twoThirds}, {{"1", "-3"}, "-" + thirds},
+      {{"10", "0.4"}, "25"}};
+  for (const auto& [operands, quotient] : quotients)
+    EXPECT_EQ((CDecimal(operands.first) / CDecimal(operands.second)).ToString(), quotient) << operands.first;
   CDecimal d("2.5");
   EXPECT_TRUE(Throws<CKoInvalidValueException>([&] { d /= CDecimal("0.0"); }, "ERROR: Overflow in operator/."));
   EXPECT_EQ(d.ToString(), "2.5");
 }
 
 TEST(Decimal, Comparison) {
-  EXPECT_TRUE(CDecimal("-0.5") < CDecimal("0.3"));
-  EXPECT_TRUE(CDecimal("-1.5") < CDecimal("-1.2"));
-  EXPECT_TRUE(CDecimal("-1.5") < CDecimal("-0.9"));
-  EXPECT_TRUE(CDecimal("1.05") < CDecimal("1.5"));
+  for (const auto& [a, b] : {std::pair{"-0.5", "0.3"}, {"-1.5", "-1.2"}, {"-1.5", "-0.9"}, {"1.05", "1.5"}})
+    EXPECT_TRUE(CDecimal(a) < CDecimal(b) && !(CDecimal(b) < CDecimal(a))) << a << " < " << b;
   EXPECT_TRUE(CDecimal("1.10") == CDecimal("1.1"));
   EXPECT_TRUE(CDecimal("1234.50") > CDecimal("999.99"));
   EXPECT_TRUE(CDecimal("2") >= CDecimal("2.0"));
@@ -148,11 +128,9 @@ TEST(Decimal, Comparison) {
 }
 
 TEST(Decimal, ConversionsRoundAndCheckRange) {
-  EXPECT_EQ(CDecimal("2.5").ToLong(), 2L);
-  EXPECT_EQ(CDecimal("2.6").ToLong(), 3L);
-  EXPECT_EQ(CDecimal("-2.5").ToLong(), -2L);
-  EXPECT_EQ(CDecimal("-2.6").ToLong(), -3L);
-  EXPECT_EQ(CDecimal("-2147483648.5").ToLong(), -2147483648L);
+  for (const auto& [text, value] :
+       {std::pair{"2.5", 2L}, {"2.6", 3L}, {"-2.5", -2L}, {"-2.6", -3L}, {"-2147483648.5", -2147483648L}})
+    EXPECT_EQ(CDecimal(text).ToLong(), value) << text;
   EXPECT_EQ(CDecimal("9223372036854775807.5").ToLongLong(), 9223372036854775807LL);
   EXPECT_EQ(CDecimal("-9223372036854775808").ToLongLong(), -9223372036854775807LL - 1);
   EXPECT_EQ(CDecimal("-3.5").ToBigInteger().ToString(), "-3");
@@ -174,18 +152,11 @@ TEST(Decimal, ConversionsRoundAndCheckRange) {
 
 TEST(Decimal, ToStringWithPlacesRoundsHalfAwayFromZero) {
   auto places = [](const char* text, int n) { return CDecimal(text).ToString(n); };
-  EXPECT_EQ(places("1.005", 2), "1.01");
-  EXPECT_EQ(places("-1.005", 2), "-1.01");
-  EXPECT_EQ(places("1.004", 2), "1.00");
-  EXPECT_EQ(places("-0.25", 1), "-0.3");
-  EXPECT_EQ(places("-0.01", 1), "-0.0");
-  EXPECT_EQ(places("0.995", 2), "1.00");
-  EXPECT_EQ(places("1.5", 3), "1.500");
-  EXPECT_EQ(places("2", 2), "2.00");
-  EXPECT_EQ(places("1.5", 35), "1.5" + std::string(34, '0'));
-  EXPECT_EQ(places("2.5", 0), "3");
-  EXPECT_EQ(places("-2.5", 0), "-3");
-  EXPECT_EQ(places("-0.4", 0), "0");
+  const struct { const char* text; int places; std::string printed; } cases[] = {
+      {"1.005", 2, "1.01"}, {"-1.005", 2, "-1.01"}, {"1.004", 2, "1.00"}, {"-0.25", 1, "-0.3"}, {"-0.01", 1, "-0.0"},
+      {"0.995", 2, "1.00"}, {"1.5", 3, "1.500"}, {"2", 2, "2.00"}, {"1.5", 35, "1.5" + std::string(34, '0')},
+      {"2.5", 0, "3"}, {"-2.5", 0, "-3"}, {"-0.4", 0, "0"}};
+  for (const auto& c : cases) EXPECT_EQ(places(c.text, c.places), c.printed) << c.text << " to " << c.places;
 }
 
 namespace {
@@ -231,16 +202,10 @@ void ExpectPlainTextReadsLikeGeneralScan(std::mt19937_64& rng) {
 TEST(Decimal, PlainTextReadsLikeTheGeneralScan) {
   std::mt19937_64 rng(11);
   ExpectPlainTextReadsLikeGeneralScan(rng);
-  EXPECT_EQ(Str("320.20"), "320.2");
-  EXPECT_EQ(Str("-0.000"), "0");
-  EXPECT_EQ(Str("-.5"), "-0.5");
-  EXPECT_EQ(Str("+4."), "4");
-  EXPECT_EQ(Str("."), "0");
-  EXPECT_EQ(Str("0.000000001"), "0.000000001");
-  EXPECT_EQ(Str("-123456789.000000012"), "-123456789.000000012");
-  EXPECT_EQ(Str("999999999999999999.999999999999999999"), "999999999999999999.999999999999999999");
-  EXPECT_TRUE(ParseError("1.2.3", Position(3, "1.2.3")));
-  EXPECT_TRUE(ParseError("-1x", Position(2, "-1x")));
+  const char* const texts[][2] = {{"320.20", "320.2"}, {"-.5", "-0.5"}, {"+4.", "4"}, {".", "0"},
+                                  {"0.000000001", "0.000000001"}, {"-123456789.000000012", "-123456789.000000012"},
+                                  {"999999999999999999.999999999999999999", "999999999999999999.999999999999999999"}};
+  for (const auto& t : texts) EXPECT_EQ(Str(t[0]), t[1]) << t[0];
 }
 
 TEST(Decimal, PlainTextRespectsFewerKeptFractionDigits) {

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstring>
 #include <cstdio>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -31,14 +32,6 @@ std::vector<std::string> ChildNames(const CXmlElement* parent) {
   return names;
 }
 
-std::string TempPath(const char* name) { return testsupport::TempPath(name); }
-
-void WriteFile(const std::string& path, const std::string& content) {
-  FILE* f = std::fopen(path.c_str(), "wb");
-  ASSERT_NE(f, nullptr);
-  std::fwrite(content.data(), 1, content.size(), f);
-  std::fclose(f);
-}
 
 std::string Nested(size_t depth) {
   std::string xml;
@@ -56,19 +49,9 @@ TEST(XmlDocument, NamespacesAndAttributes) {
       "<d xmlns:q=\"urn:q1\"/><e xmlns:q=\"urn:q2\"/></a>");
   const CXmlElement* a = doc.GetDocumentElement();
   ASSERT_NE(a, nullptr);
-  EXPECT_EQ(a->GetNamespaceURI(), "urn:x");
-  EXPECT_TRUE(a->GetAttributes().empty());  // declarations only fill the alias map
-  EXPECT_EQ(ChildNames(a), (std::vector<std::string>{"b", "c", "d", "e"}));
-  EXPECT_EQ(a->GetFirstElement()->GetNamespaceURI(), "urn:x");
-
+  // Declarations only fill the alias map; they are no attributes.
+  EXPECT_EQ(Dump(a), "(a{urn:x}[](b{urn:x}[])(c{urn:p} x{urn:p}=1 y{}=2 z{}=3[])(d{urn:x}[])(e{urn:x}[]))");
   const CXmlElement* c = a->GetFirstElement()->GetNextSiblingElement();
-  EXPECT_EQ(c->GetNamespaceURI(), "urn:p");
-  ASSERT_EQ(c->GetAttributes().size(), 3u);
-  EXPECT_EQ(c->GetAttributes()[0]->GetLocalName(), "x");
-  EXPECT_EQ(c->GetAttributes()[0]->GetNamespaceURI(), "urn:p");
-  EXPECT_EQ(c->GetAttributes()[1]->GetLocalName(), "y");
-  EXPECT_EQ(c->GetAttributes()[1]->GetNamespaceURI(), "");
-  EXPECT_EQ(c->GetAttributes()[2]->GetValue(), "3");
   EXPECT_EQ(c->GetAttribute("x", "urn:p"), "1");
   EXPECT_EQ(c->GetAttribute("x", ""), "");
   EXPECT_EQ(c->GetAttribute("y", ""), "2");
@@ -84,17 +67,14 @@ TEST(XmlDocument, WithoutNamespaceProcessing) {
   CXmlSerializationContext ctx;
   ctx.SetSchemaType(SchemaTypeNoNamespaces);
   CXmlDocument doc(ctx);
-  doc.LoadXml("<a xmlns=\"urn:x\"><p:b xmlns:p=\"urn:p\" p:x=\"1\"/></a>");
-  const CXmlElement* a = doc.GetDocumentElement();
-  EXPECT_EQ(a->GetNamespaceURI(), "");
-  ASSERT_EQ(a->GetAttributes().size(), 1u);
-  EXPECT_EQ(a->GetAttributes()[0]->GetLocalName(), "xmlns");
-  EXPECT_EQ(a->GetAttributes()[0]->GetValue(), "urn:x");
-  EXPECT_EQ(a->GetAttributes()[0]->GetNamespaceURI(), "");
-  const CXmlElement* b = a->GetFirstElement();
-  EXPECT_EQ(b->GetLocalName(), "p:b");
-  EXPECT_EQ(b->GetAttribute("p:x", ""), "1");
+  ASSERT_TRUE(LoadText(doc, "<a xmlns=\"urn:x\"><p:b xmlns:p=\"urn:p\" p:x=\"1\"/></a>"));
+  EXPECT_EQ(Dump(doc.GetDocumentElement()), "(a{} xmlns{}=urn:x[](p:b{} xmlns:p{}=urn:p p:x{}=1[]))");
+  EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement()->GetAttribute("p:x", ""), "1");
   EXPECT_EQ(doc.LookupNamespaceFromAlias("p"), "");
+  ASSERT_TRUE(LoadText(doc, "<r xmlns:p=\"urn:p\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
+                            "xsi:type=\"p:T\"/>"));
+  std::string uri;
+  EXPECT_FALSE(doc.GetDocumentElement()->GetTypePrefixNamespace(uri));  // no xsi:type in the namespace sense
 }
 
 TEST(XmlDocument, TextCdataAndWhitespace) {
@@ -116,14 +96,6 @@ TEST(XmlDocument, TextCdataAndWhitespace) {
   EXPECT_EQ(wide.GetDocumentElement()->GetText().size(), 2u);  // two characters in the C locale: "??"
 }
 
-// A dropped element goes with its subtree. (Dropping everything, and removing
-// children by hand, are checked on loaded trees below.)
-TEST(XmlDocument, ElementFilter) {
-  CXmlDocument some([](CXmlElement* e) { return e->GetLocalName() == "drop"; });
-  some.LoadXml("<r><keep/><drop><keep/></drop><keep/><drop/></r>");
-  EXPECT_EQ(ChildNames(some.GetDocumentElement()), (std::vector<std::string>{"keep", "keep"}));
-}
-
 TEST(XmlDocument, AttributeKinds) {
   const std::string xsi = "http://www.w3.org/2001/XMLSchema-instance";
   EXPECT_TRUE(CXmlAttribute("nil", "true", "http://www.w3.org/2000/xmlns/").IsNilAttribute());
@@ -139,10 +111,10 @@ TEST(XmlDocument, LoadErrors) {
   unsigned char byte = '<';
   EXPECT_TRUE(Throws<CKoException>([&] { doc.LoadXmlStream(&byte, 0); }, "XML Stream is empty!"));
 
-  const std::string missing = TempPath("no-such-file.xml");
+  const std::string missing = testsupport::TempPath("no-such-file.xml");
   EXPECT_TRUE(Throws<CKoException>([&] { doc.Load(missing.c_str()); }, "Failed to open the file [" + missing + "]"));
-  const std::string empty = TempPath("empty-file.xml");
-  WriteFile(empty, "");
+  const std::string empty = testsupport::TempPath("empty-file.xml");
+  std::ofstream(empty).close();
   EXPECT_TRUE(Throws<CKoException>([&] { doc.Load(empty.c_str()); },
             "Failed to read the contents of the file [" + empty + "]: the file is empty"));
   // A directory opens but cannot be read; its reported size must not be allocated.
@@ -150,31 +122,14 @@ TEST(XmlDocument, LoadErrors) {
   EXPECT_TRUE(Throws<CKoException>([&] { doc.Load(directory.c_str()); },
             "Failed to read the contents of the file [" + directory + "]: " + std::strerror(EISDIR)));
 
-  EXPECT_TRUE(Throws<CKoException>([&] { doc.LoadXml("<a>\n<b>\n</a>"); }, "mismatched tag at line 3"));
-  EXPECT_TRUE(Throws<CKoException>([&] { doc.LoadXml("<a>\n\n"); }, "no element found at line 3"));
-  EXPECT_TRUE(Throws<CKoException>([&] { doc.LoadXml("<a/>\n<b/>"); }, "junk after document element at line 2"));
-  EXPECT_TRUE(Throws<CKoException>([&] { doc.LoadXml("<p:a/>"); }, "unbound prefix at line 1"));
+  for (const auto& [xml, message] :
+       {std::pair{"<a>\n<b>\n</a>", "mismatched tag at line 3"}, {"<a>\n\n", "no element found at line 3"},
+        {"<a/>\n<b/>", "junk after document element at line 2"}, {"<p:a/>", "unbound prefix at line 1"}})
+    EXPECT_TRUE(Throws<CKoException>([&, xml = xml] { doc.LoadXml(xml); }, message));
 
   // The document stays usable after a failure.
   doc.LoadXml("<ok/>");
   EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "ok");
-}
-
-TEST(XmlDocument, FilesAndCompressedStreams) {
-  const std::string xml = "<?xml version=\"1.0\"?>\n<r a=\"1\">" + std::string(300, ' ') + "<c>text</c></r>";
-  const std::string path = TempPath("doc.xml");
-  WriteFile(path, xml);
-  CXmlDocument doc;
-  doc.Load(path.c_str());
-  EXPECT_EQ(doc.GetDocumentElement()->GetAttribute("a", ""), "1");
-
-  for (CompressionType type : {CompressionTypeGzip, CompressionTypeZlib}) {
-    CBinaryData packed(Bytes(xml), xml.size(), false);
-    CKoZip::CompressData(packed, type);
-    CXmlDocument fromStream;
-    fromStream.LoadXmlStream(packed.GetData(), packed.GetLength());
-    EXPECT_EQ(fromStream.GetDocumentElement()->GetFirstElement()->GetText(), "text");
-  }
 }
 
 TEST(XmlDocument, DeepNesting) {
@@ -225,6 +180,7 @@ namespace {
 
 int g_filterCalls = 0;
 std::string g_filterTexts;
+std::vector<std::string> g_filtered;
 
 // Drops every other child of the root, reading each one first.
 bool DropEveryOtherChild(CXmlElement* element) {
@@ -233,12 +189,6 @@ bool DropEveryOtherChild(CXmlElement* element) {
   return g_filterCalls++ % 2 == 1;
 }
 
-}  // namespace
-
-namespace {
-
-std::vector<std::string> g_filtered;
-
 bool DropEverything(CXmlElement* element) {
   g_filtered.push_back(element->GetLocalName());
   return true;
@@ -246,16 +196,18 @@ bool DropEverything(CXmlElement* element) {
 
 }  // namespace
 
-// Every element is offered once it ends, the document element last; the
-// document element has no parent to be dropped from, so it stays, empty.
-TEST(XmlDocument, FilterDroppingEverythingLeavesTheBareDocumentElement) {
+// A dropped element goes with its subtree. Every element is offered once it
+// ends, the document element last; that one has no parent to be dropped
+// from, so it stays, empty.
+TEST(XmlDocument, ElementFilter) {
+  CXmlDocument some([](CXmlElement* e) { return e->GetLocalName() == "drop"; });
+  ASSERT_TRUE(LoadText(some, "<r><keep/><drop><keep/></drop><keep/><drop/></r>"));
+  EXPECT_EQ(ChildNames(some.GetDocumentElement()), (std::vector<std::string>{"keep", "keep"}));
   g_filtered.clear();
   CXmlDocument doc(DropEverything);
   ASSERT_TRUE(LoadText(doc, "<r><a><b/></a><c/></r>"));
   EXPECT_EQ(g_filtered, (std::vector<std::string>{"b", "a", "c", "r"}));
-  ASSERT_NE(doc.GetDocumentElement(), nullptr);
-  EXPECT_EQ(doc.GetDocumentElement()->GetLocalName(), "r");
-  EXPECT_EQ(doc.GetDocumentElement()->GetFirstElement(), nullptr);
+  EXPECT_EQ(Dump(doc.GetDocumentElement()), "(r{}[])");
 }
 
 TEST(XmlDocument, FilterDroppingEveryOtherOfManyChildren) {
@@ -283,7 +235,7 @@ TEST(XmlDocument, FilterDroppingEveryOtherOfManyChildren) {
   }
   EXPECT_EQ(expected, kChildren);
   ASSERT_NE(child, nullptr);
-  EXPECT_EQ(child->GetLocalName(), "last");
+  EXPECT_EQ(Dump(child), "(last{}[])");
   EXPECT_EQ(child->GetNextSiblingElement(), nullptr);
   EXPECT_EQ(doc.GetDocumentElement()->GetText(), std::string(kChildren / 1000, ' '));
 }
@@ -336,27 +288,12 @@ TEST(XmlDocument, TextsAcrossReadPiecesAndChangesAfterLoading) {
   EXPECT_EQ(&root->GetText(), &root->GetText());  // one string, kept
 
   CXmlElement* child = root->GetFirstElement();
-  EXPECT_EQ(child->GetText(), "");
   EXPECT_EQ(child->GetTextView(), "");
   child->AppendText("x", 1);
   child->AppendText("y");
-  EXPECT_EQ(child->GetText(), "xy");
-  EXPECT_EQ(child->GetAttributes().size(), 0u);
-
   // Names set after loading are the element's alone.
   child->SetElementName("renamed");
-  EXPECT_EQ(child->GetLocalName(), "renamed");
-  EXPECT_EQ(root->GetLocalName(), "r");
-}
-
-TEST(XmlDocument, TypePrefixWithoutNamespaceProcessing) {
-  CXmlSerializationContext ctx;
-  ctx.SetSchemaType(SchemaTypeNoNamespaces);
-  CXmlDocument doc(ctx);
-  ASSERT_TRUE(LoadText(doc, "<r xmlns:p=\"urn:p\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
-                            "xsi:type=\"p:T\"/>"));
-  std::string uri;
-  EXPECT_FALSE(doc.GetDocumentElement()->GetTypePrefixNamespace(uri));  // no xsi:type in the namespace sense
+  EXPECT_EQ(Dump(child) + root->GetLocalName(), "(renamed{}[xy])r");
 }
 
 TEST(XmlDocument, AttributeListsOfEverySizeStayInStepWithTheirVector) {
@@ -390,7 +327,6 @@ TEST(XmlDocument, AttributeListsOfEverySizeStayInStepWithTheirVector) {
     CXmlElement* child = root->GetFirstElement();
     EXPECT_EQ(child->GetAttributeCount(), 1u);
     EXPECT_EQ(child->GetNextSiblingElement()->GetAttributeCount(), 0u);
-    EXPECT_TRUE(child->GetNextSiblingElement()->GetAttributes().empty());
   }
 
   // Elements built on the heap keep the same promises.

@@ -76,12 +76,13 @@ TEST(XmlTextWriter, EscapingAndPassthrough) {
   auto text = [](const std::string& s, EOLType eol) {
     return Write([&](CXmlTextWriter& w) { Element(w, "a", s); }, false, eol);
   };
-  EXPECT_EQ(text("a\r\nb", EOLTypeCRLF), "<a>a\r\nb</a>");
-  EXPECT_EQ(text("a\r\nb", EOLTypeLF), "<a>a\nb</a>");
-  EXPECT_EQ(text("\"'&<>\t\xC3\xA9", EOLTypeLF), "<a>\"'&amp;&lt;&gt;\t\xC3\xA9</a>");
-  EXPECT_EQ(text(std::string("ab\0<c", 5), EOLTypeLF), "<a>ab</a>");  // text ends at a NUL
-  EXPECT_EQ(text("<![CDATA[a & <b>]]>", EOLTypeLF), "<a><![CDATA[a & <b>]]></a>");
-  EXPECT_EQ(text("x<![CDATA[&]]>", EOLTypeLF), "<a>x&lt;![CDATA[&amp;]]&gt;</a>");
+  const struct { std::string text; EOLType eol; const char* written; } cases[] = {
+      {"a\r\nb", EOLTypeCRLF, "<a>a\r\nb</a>"}, {"a\r\nb", EOLTypeLF, "<a>a\nb</a>"},
+      {"\"'&<>\t\xC3\xA9", EOLTypeLF, "<a>\"'&amp;&lt;&gt;\t\xC3\xA9</a>"},
+      {std::string("ab\0<c", 5), EOLTypeLF, "<a>ab</a>"},  // text ends at a NUL
+      {"<![CDATA[a & <b>]]>", EOLTypeLF, "<a><![CDATA[a & <b>]]></a>"},
+      {"x<![CDATA[&]]>", EOLTypeLF, "<a>x&lt;![CDATA[&amp;]]&gt;</a>"}};
+  for (const auto& c : cases) EXPECT_EQ(text(c.text, c.eol), c.written) << c.text;
 
   EXPECT_EQ(Write([](CXmlTextWriter& w) {
               w.WriteStartElement("a", "");
@@ -196,10 +197,10 @@ TEST(XmlTextWriter, SchemaInstanceAttributes) {
   CXmlTextWriter w(stream);
   w.WriteStartElement("e", "");
   w.WriteString("text", ItemType_string);
-  const std::string message = "Attributes must be added before elements";
-  EXPECT_TRUE(Throws<CKoException>([&] { w.WriteAttributeString("a", "", "v", ItemType_string); }, message));
-  EXPECT_TRUE(Throws<CKoException>([&] { w.WriteAttributeType("urn:t", "T", ItemType_none); }, message));
-  EXPECT_TRUE(Throws<CKoException>([&] { w.WriteAttributeNil(); }, message));
+  const std::function<void()> late[] = {[&] { w.WriteAttributeString("a", "", "v", ItemType_string); },
+                                        [&] { w.WriteAttributeType("urn:t", "T", ItemType_none); },
+                                        [&] { w.WriteAttributeNil(); }};
+  for (const auto& call : late) EXPECT_TRUE(Throws<CKoException>(call, "Attributes must be added before elements"));
   EXPECT_STREQ(stream.GetText(), "<e>text");
 }
 
@@ -210,10 +211,10 @@ TEST(XmlTextWriter, PrologueSchemaAndRawContent) {
     w.WriteStartDocument();
     return std::string(stream.GetText());
   };
-  EXPECT_EQ(declaration(XmlEncoding_UTF8), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
-  EXPECT_EQ(declaration(XmlEncoding_UTF16), "<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n");
-  EXPECT_EQ(declaration(XmlEncoding_UTF16NoDecl), "<?xml version=\"1.0\"?>\n");
-  EXPECT_EQ(declaration(XmlEncoding_None), "<?xml version=\"1.0\"?>\n");
+  EXPECT_EQ(declaration(XmlEncoding_UTF8) + declaration(XmlEncoding_UTF16) + declaration(XmlEncoding_UTF16NoDecl) +
+                declaration(XmlEncoding_None),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"
+            "<?xml version=\"1.0\"?>\n<?xml version=\"1.0\"?>\n");
 
   EXPECT_EQ(Write([](CXmlTextWriter& w) {
               w.WriteHeaderDirective("<!DOCTYPE r>");

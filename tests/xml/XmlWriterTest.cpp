@@ -5,12 +5,9 @@
 using namespace KoXmlLib10;
 
 TEST(XmlWriter, GeneratedPrefixes) {
-  EXPECT_EQ(CXmlWriter::NsIntToString(0), "AA");
-  EXPECT_EQ(CXmlWriter::NsIntToString(25), "AZ");
-  EXPECT_EQ(CXmlWriter::NsIntToString(26), "BA");
-  EXPECT_EQ(CXmlWriter::NsIntToString(675), "ZZ");
-  EXPECT_EQ(CXmlWriter::NsIntToString(676), "AAA");
-  EXPECT_EQ(CXmlWriter::NsIntToString(676 + 26 * 26 * 26), "AAAA");
+  for (const auto& [n, prefix] :
+       {std::pair{0, "AA"}, {25, "AZ"}, {26, "BA"}, {675, "ZZ"}, {676, "AAA"}, {676 + 26 * 26 * 26, "AAAA"}})
+    EXPECT_EQ(CXmlWriter::NsIntToString(n), prefix) << n;
   EXPECT_THROW(CXmlWriter::NsIntToString(-1), CKoInvalidParamException);
 
   CTextStream stream;
