@@ -6,6 +6,7 @@
 #include "KoXmlLib10/Conversions.h"
 #include "KoXmlLib10/Exceptions.h"
 #include "KoXmlLib10/Unicode.h"
+#include "fastinfoset/NumericOctets.h"
 
 namespace KoXmlLib10 {
 
@@ -30,10 +31,9 @@ constexpr unsigned char kBooleanFalse = 0x30;  // 3 unused bits, value bit 0
 constexpr unsigned char kBooleanTrue = 0x38;   // 3 unused bits, value bit 1
 
 template <size_t N>
-void PutBigEndian(CBinaryData& out, uint64_t value) {
-  unsigned char octets[N];
-  for (size_t i = 0; i < N; ++i) octets[i] = static_cast<unsigned char>(value >> (8 * (N - 1 - i)));
-  out.Append(octets, N);
+void PutBigEndian(std::string& out, uint64_t value) {
+  out.resize(N);
+  for (size_t i = 0; i < N; ++i) out[i] = static_cast<char>(value >> (8 * (N - 1 - i)));
 }
 
 uint64_t GetBigEndian(const unsigned char* octets, size_t count) {
@@ -82,6 +82,32 @@ std::string BooleansToString(const unsigned char* data, unsigned long length) {
 
 }  // namespace
 
+bool NumericOctets(unsigned long algorithm, const std::string& text, std::string& octets) {
+  switch (algorithm) {
+    case kShort:
+      PutBigEndian<2>(octets, static_cast<uint16_t>(CConversions::i2FromString(text, kCollapse)));
+      return true;
+    case kInt:
+      PutBigEndian<4>(octets, static_cast<uint32_t>(CConversions::i4FromString(text, kCollapse)));
+      return true;
+    case kLong:
+      PutBigEndian<8>(octets, static_cast<uint64_t>(CConversions::i8FromString(text, kCollapse)));
+      return true;
+    case kBoolean:
+      octets.assign(1, static_cast<char>(CConversions::booleanFromString(text, kCollapse) ? kBooleanTrue
+                                                                                          : kBooleanFalse));
+      return true;
+    case kFloat:
+      PutBigEndian<4>(octets, BitCast<uint32_t>(CConversions::r4FromString(text, kCollapse)));
+      return true;
+    case kDouble:
+      PutBigEndian<8>(octets, BitCast<uint64_t>(CConversions::r8FromString(text, kCollapse)));
+      return true;
+    default:
+      return false;
+  }
+}
+
 CFastInfosetBinaryData::CFastInfosetBinaryData() = default;
 
 CFastInfosetBinaryData::CFastInfosetBinaryData(const char* s) : CBinaryData(s) {}
@@ -118,30 +144,10 @@ void CFastInfosetBinaryData::SetAsEncodedString(unsigned long algorithm, const c
       break;
   }
   // The numeric kinds: parse first, so that bad text leaves nothing half-written.
-  CBinaryData octets;
-  switch (algorithm) {
-    case kShort:
-      PutBigEndian<2>(octets, static_cast<uint16_t>(CConversions::i2FromString(value, kCollapse)));
-      break;
-    case kInt:
-      PutBigEndian<4>(octets, static_cast<uint32_t>(CConversions::i4FromString(value, kCollapse)));
-      break;
-    case kLong:
-      PutBigEndian<8>(octets, static_cast<uint64_t>(CConversions::i8FromString(value, kCollapse)));
-      break;
-    case kBoolean:
-      octets.Append(CConversions::booleanFromString(value, kCollapse) ? kBooleanTrue
-                                                                      : kBooleanFalse);
-      break;
-    case kFloat:
-      PutBigEndian<4>(octets, BitCast<uint32_t>(CConversions::r4FromString(value, kCollapse)));
-      break;
-    case kDouble:
-      PutBigEndian<8>(octets, BitCast<uint64_t>(CConversions::r8FromString(value, kCollapse)));
-      break;
-  }
+  std::string octets;
+  NumericOctets(algorithm, value, octets);
   Clear();
-  Append(octets);
+  Append(reinterpret_cast<unsigned char*>(octets.data()), static_cast<unsigned long>(octets.size()));
 }
 
 std::string CFastInfosetBinaryData::GetAsString(unsigned long algorithm) const {

@@ -8,6 +8,7 @@
 #include "KoXmlLib10/FastInfosetBinaryData.h"
 #include "KoXmlLib10/Streams.h"
 #include "KoXmlLib10/Unicode.h"
+#include "fastinfoset/NumericOctets.h"
 #include "foundation/ShortText.h"
 
 namespace KoXmlLib10 {
@@ -89,36 +90,13 @@ std::string_view ViewOf(const CBinaryData& data) {
   return std::string_view(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
 }
 
-template <size_t N>
-void PutBigEndian(std::string& out, uint64_t value) {
-  out.resize(N);
-  for (size_t i = 0; i < N; ++i) out[i] = static_cast<char>(value >> (8 * (N - 1 - i)));
-}
-
-template <class To, class From>
-To BitCast(From from) {
-  static_assert(sizeof(To) == sizeof(From), "same size");
-  To to;
-  std::memcpy(&to, &from, sizeof to);
-  return to;
-}
-
 // The octets of the numeric and boolean algorithms, as
 // CFastInfosetBinaryData::SetAsEncodedString gives them (same conversions,
 // same failures), without building a CBinaryData per value. False for the
 // other algorithms, and for text with a NUL (the encoder reads up to it).
 bool EncodeNumber(uint32_t algorithm, const std::string& text, std::string& out) {
-  constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
   if (std::memchr(text.data(), 0, text.size())) return false;
-  switch (algorithm) {
-    case 3: PutBigEndian<2>(out, static_cast<uint16_t>(CConversions::i2FromString(text, kCollapse))); return true;
-    case 4: PutBigEndian<4>(out, static_cast<uint32_t>(CConversions::i4FromString(text, kCollapse))); return true;
-    case 5: PutBigEndian<8>(out, static_cast<uint64_t>(CConversions::i8FromString(text, kCollapse))); return true;
-    case 6: out.assign(1, CConversions::booleanFromString(text, kCollapse) ? '\x38' : '\x30'); return true;
-    case 7: PutBigEndian<4>(out, BitCast<uint32_t>(CConversions::r4FromString(text, kCollapse))); return true;
-    case 8: PutBigEndian<8>(out, BitCast<uint64_t>(CConversions::r8FromString(text, kCollapse))); return true;
-    default: return false;
-  }
+  return NumericOctets(algorithm, text, out);
 }
 
 // Whether `key` is the name-map key of localName, namespaceUri and prefix.
