@@ -320,24 +320,11 @@ void CFastInfosetWriter::WriteSimpleElement(const std::string& localName, const 
   WritePendingTerminator();
 
   static const std::string kNoPrefix;
-  const std::string* prefix = &kNoPrefix;
-  std::string generated;
+  CChildNamespace name;
+  ChildNamespace(*parent, namespaceUri, name);
   m_declarations.clear();
-  const std::string& defaultNamespace = parent->GetDefaultNamespace();
-  if (namespaceUri.empty()) {
-    // Otherwise the element would read back in the inherited default namespace.
-    if (!defaultNamespace.empty()) m_declarations.push_back(CDeclaration{});
-  } else if (namespaceUri != defaultNamespace) {
-    const NamespaceMap& scope = *parent->GetNamespaceMap();
-    const auto found = scope.find(namespaceUri);
-    if (found != scope.end()) {
-      prefix = &found->second;
-    } else {
-      generated = GetUniquePrefix(scope);
-      m_declarations.push_back(CDeclaration{generated, namespaceUri});
-      prefix = &generated;
-    }
-  }
+  if (name.undeclareDefault) m_declarations.push_back(CDeclaration{});
+  if (name.declare) m_declarations.push_back(CDeclaration{name.declaredPrefix, namespaceUri});
   if (!m_declarations.empty()) {
     PutByte(m_out, kElementHasNamespaceAttributes);
     for (const CDeclaration& declaration : m_declarations)
@@ -345,7 +332,8 @@ void CFastInfosetWriter::WriteSimpleElement(const std::string& localName, const 
     m_declarations.clear();
     PutByte(m_out, kTerminator);
   }
-  PutQualifiedName(0x00, 3, *prefix, namespaceUri, localName, m_vocabulary->GetElementNamesMap());
+  PutQualifiedName(0x00, 3, name.prefix ? *name.prefix : kNoPrefix, namespaceUri, localName,
+                   m_vocabulary->GetElementNamesMap());
   if (!text.empty() && text[0] != '\0')
     PutCharacterChunk(0x80, text, m_vocabulary->GetCharacterChunksMap(), m_context.GetElementMaxAddLength(), type);
   m_pendingTerminator = true;  // none was owed: it was written above

@@ -391,31 +391,17 @@ void CXmlTextWriter::WriteSimpleElement(const std::string& localName, const std:
   if (m_format) out.Indent(parent->GetDepth() + 1);
   out.Put('<');
 
-  const std::string& defaultNamespace = parent->GetDefaultNamespace();
-  const std::string* prefix = nullptr;  // the element's, when it has one
-  std::string generated;
-  if (namespaceUri.empty()) {
-    out.Put(localName);
-    // Otherwise the element would read back in the inherited default namespace.
-    if (!defaultNamespace.empty()) out.Put(" xmlns=\"\"");
-  } else if (SameText(namespaceUri, defaultNamespace)) {
-    out.Put(localName);
-  } else {
-    const NamespaceMap& scope = *parent->GetNamespaceMap();
-    const auto found = scope.find(namespaceUri);
-    if (found != scope.end()) {
-      prefix = &found->second;
-    } else {
-      generated = GetUniquePrefix(scope);
-      prefix = &generated;
-    }
-    out.Put(*prefix);
+  CChildNamespace name;
+  ChildNamespace(*parent, namespaceUri, name);
+  if (name.prefix) {
+    out.Put(*name.prefix);
     out.Put(':');
-    out.Put(localName);
-    if (found == scope.end()) {
-      out.Put(' ');
-      out.Declaration(generated, namespaceUri);
-    }
+  }
+  out.Put(localName);
+  if (name.undeclareDefault) out.Put(" xmlns=\"\"");
+  if (name.declare) {
+    out.Put(' ');
+    out.Declaration(name.declaredPrefix, namespaceUri);
   }
 
   if (text.empty()) {
@@ -427,8 +413,8 @@ void CXmlTextWriter::WriteSimpleElement(const std::string& localName, const std:
     else
       PadAndAppend(out, text, false);
     out.Put("</");
-    if (prefix) {
-      out.Put(*prefix);
+    if (name.prefix) {
+      out.Put(*name.prefix);
       out.Put(':');
     }
     out.Put(localName);

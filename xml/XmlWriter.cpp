@@ -209,6 +209,25 @@ const std::string& CXmlWriter::PrefixInScope(const std::string& uri, bool& decla
   return m_current->GetNamespaceMapValue(uri);
 }
 
+void CXmlWriter::ChildNamespace(CXmlWriterContext& parent, const std::string& namespaceUri, CChildNamespace& name) {
+  const std::string& defaultNamespace = parent.GetDefaultNamespace();
+  if (namespaceUri.empty()) {
+    // Otherwise the element would read back in the inherited default namespace.
+    name.undeclareDefault = !defaultNamespace.empty();
+    return;
+  }
+  if (namespaceUri == defaultNamespace) return;
+  const NamespaceMap& scope = *parent.GetNamespaceMap();
+  const auto found = scope.find(namespaceUri);
+  if (found != scope.end()) {
+    name.prefix = &found->second;
+    return;
+  }
+  name.declaredPrefix = GetUniquePrefix(scope);
+  name.declare = true;
+  name.prefix = &name.declaredPrefix;
+}
+
 // ---- rules of the concrete writers -----------------------------------------
 
 void CXmlWriter::RequireOpenStartTag(bool accepting) const {

@@ -141,6 +141,19 @@ class KOXML_API CXmlWriter {
   // that happened, so the caller can emit the declaration.
   const std::string& PrefixInScope(const std::string& uri, bool& declared);
 
+  // How a child of `parent` that opens no scope of its own (a simple
+  // element written in one operation) names `namespaceUri`: unprefixed in no
+  // namespace (undeclaring a default namespace it would otherwise inherit)
+  // or in the default one; with the prefix the scope has for it; or with a
+  // new prefix it declares for itself alone.
+  struct CChildNamespace {
+    const std::string* prefix = nullptr;  // null: the name has no prefix
+    bool undeclareDefault = false;        // declare xmlns=""
+    bool declare = false;                 // declare declaredPrefix for the namespace
+    std::string declaredPrefix;
+  };
+  void ChildNamespace(CXmlWriterContext& parent, const std::string& namespaceUri, CChildNamespace& name);
+
   // Rules both concrete writers follow.
   // Throws "Attributes must be added before elements" unless the current
   // element's start tag is open and, as far as the writer knows, can still
